@@ -1,0 +1,42 @@
+#include "QmlRegistration.h"
+
+#include "ConfigHelper.h"
+#include "FileHelper.h"
+
+#include <QQmlApplicationEngine>
+#include <QQmlEngine>
+
+namespace {
+
+constexpr const char* kUri = "CustomUtils";
+
+// The engine must never delete a shared service, whatever it thinks it owns.
+template <typename T>
+QObject* shared(T* instance)
+{
+    QQmlEngine::setObjectOwnership(instance, QQmlEngine::CppOwnership);
+    return instance;
+}
+
+ConfigHelper* configHelper()
+{
+    static ConfigHelper helper;
+    return &helper;
+}
+
+} // namespace
+
+void registerQmlTypes()
+{
+    // Singletons, in table order.
+    qmlRegisterSingletonType<ConfigHelper>(kUri, 1, 0, "ConfigHelper",
+                                           [](QQmlEngine*, QJSEngine*) { return shared(configHelper()); });
+    qmlRegisterSingletonType<FileHelper>(kUri, 1, 0, "FileHelper",
+                                         [](QQmlEngine*, QJSEngine*) { return shared(FileHelper::instance()); });
+}
+
+void finishEngineSetup(QQmlApplicationEngine& engine)
+{
+    Q_UNUSED(engine)
+    QQmlEngine::setObjectOwnership(FileHelper::instance(), QQmlEngine::CppOwnership);
+}

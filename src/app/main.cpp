@@ -1,0 +1,116 @@
+#include "CommandLine.h"
+#include "Logging.h"
+#include "QmlRegistration.h"
+#include "SingleInstance.h"
+
+#include <QCoreApplication>
+#include <QDir>
+#include <QFileInfo>
+#include <QFont>
+#include <QFontDatabase>
+#include <QGuiApplication>
+#include <QLocalServer>
+#include <QQmlApplicationEngine>
+#include <QTranslator>
+#include <QUrl>
+#include <memory>
+#include <spdlog/spdlog.h>
+#include <unistd.h>
+
+namespace {
+
+// Relative file names are made absolute against the folder the user started from: the
+// working directory moves to the executable's folder below, and a hand-off reaches an
+// instance that was started elsewhere.
+QStringList argumentsAfterProgram(int argc, char* argv[])
+{
+    QStringList words;
+    for (int i = 1; i < argc; ++i) {
+        QString word = QString::fromLocal8Bit(argv[i]);
+        if (!word.startsWith(QLatin1Char('-')) && !word.startsWith(QLatin1String("file:")) &&
+            QFileInfo(word).isRelative() && QFileInfo::exists(word))
+            word = QFileInfo(word).absoluteFilePath();
+        words << word;
+    }
+    return words;
+}
+
+// The folder of the running executable, from the kernel's view of it, so relative paths
+// (fonts, translation, config.json, mpvqt.conf, the database) work from any start folder.
+QString executableFolder(const char* argv0)
+{
+    char buffer[4096] = {};
+    const ssize_t n = readlink("/proc/self/exe", buffer, sizeof(buffer) - 1);
+    QString path = n > 0 ? QString::fromLocal8Bit(buffer, static_cast<int>(n)) : QString::fromLocal8Bit(argv0);
+    const int cut = std::max(path.lastIndexOf('/'), path.lastIndexOf('\\'));
+    return cut >= 0 ? path.left(cut) : QStringLiteral(".");
+}
+
+} // namespace
+
+int main(int argc, char* argv[])
+{
+    QCoreApplication::setAttribute(Qt::AA_EnableHighDpiScaling);
+    QGuiApplication app(argc, argv);
+
+    const QStringList words = argumentsAfterProgram(argc, argv);
+    if (SingleInstance::handOffToRunningInstance(words))
+        return 0;
+
+    for (int i = 0; i < words.size(); ++i)
+        spdlog::info("Argument {}: {}", i + 1, words.at(i).toStdString());
+
+    QCoreApplication::setOrganizationName(QStringLiteral("Vidora"));
+    QCoreApplication::setOrganizationDomain(QStringLiteral("vidora.org"));
+
+    std::unique_ptr<QLocalServer> server(SingleInstance::listen(nullptr, handleCommandLineWords));
+
+    const QString folder = executableFolder(argv[0]);
+    QDir::setCurrent(folder);
+
+    spdlog::set_level(spdlog::level::err);
+    spdlog::info("directory:{}", folder.toStdString());
+    applyLogLevel();
+
+    auto translator = std::make_unique<QTranslator>();
+    if (translator->load(QStringLiteral("vidora_zh_CN.qm"), QString(), QString(), QString()))
+        QCoreApplication::installTranslator(translator.get());
+
+    const QStringList regular =
+        QFontDatabase::applicationFontFamilies(QFontDatabase::addApplicationFont("./fonts/HarmonyOS_SansSC_Regular.otf"));
+    QFontDatabase::addApplicationFont("./fonts/HarmonyOS_SansSC_Bold.otf");
+    QFontDatabase::addApplicationFont("./fonts/HarmonyOS_SansSC_Medium.otf");
+#ifdef Q_OS_WIN
+    const QString fallbackFamily = QStringLiteral("Microsoft YaHei");
+#else
+    // The CJK face a Linux desktop has (fonts-noto-cjk); fontconfig substitutes if absent.
+    const QString fallbackFamily = QStringLiteral("Noto Sans CJK SC");
+#endif
+    auto font = std::make_unique<QFont>(regular.isEmpty() ? fallbackFamily : QStringLiteral("HarmonyOS Sans SC"));
+    font->setPixelSize(14);
+    QGuiApplication::setFont(*font);
+
+    auto engine = std::make_unique<QQmlApplicationEngine>();
+    registerQmlTypes();
+
+    const QUrl mainUrl(QStringLiteral("qrc:/qml/main.qml"));
+    QObject::connect(
+        engine.get(), &QQmlApplicationEngine::objectCreated, &app,
+        [mainUrl](QObject* object, const QUrl& url) {
+            if (!object && url == mainUrl)
+                QCoreApplication::exit(-1);
+        },
+        Qt::QueuedConnection);
+    engine->load(mainUrl);
+    finishEngineSetup(*engine);
+
+    if (!words.isEmpty())
+        handleCommandLineWords(words);
+
+    const int code = app.exec();
+    engine.reset();
+    font.reset();
+    translator.reset();
+    server.reset();
+    return code;
+}
