@@ -1,0 +1,45 @@
+#include "YuvToRgb.h"
+
+#include <algorithm>
+
+namespace {
+
+inline uint8_t clamp255(int v) { return static_cast<uint8_t>(std::min(255, std::max(0, v))); }
+
+} // namespace
+
+void yuv420ToRgb24(const uint8_t* yuv, int width, int height, uint8_t* rgb, int rgbStride)
+{
+    if (!yuv || width < 1 || height < 1)
+        return;
+    const int halfW = width / 2;
+    const uint8_t* yPlane = yuv;
+    const uint8_t* uPlane = yuv + width * height;
+    const uint8_t* vPlane = uPlane + (width * height) / 4;
+    for (int y = 0; y < height; ++y) {
+        const uint8_t* __restrict yRow = yPlane + y * width;
+        const uint8_t* __restrict uRow = uPlane + (y / 2) * halfW;
+        const uint8_t* __restrict vRow = vPlane + (y / 2) * halfW;
+        uint8_t* __restrict out = rgb + y * rgbStride;
+        // Plain indexed arithmetic over the row keeps the loop vectorisable.
+        for (int x = 0; x < width; ++x) {
+            const int c = 298 * (yRow[x] - 16);
+            const int u = uRow[x / 2];
+            const int v = vRow[x / 2];
+            out[3 * x + 0] = clamp255((c + 409 * v - 52224) >> 8);
+            out[3 * x + 1] = clamp255((c - 100 * u - 208 * v + 39552) >> 8);
+            out[3 * x + 2] = clamp255((c + 516 * u - 65920) >> 8);
+        }
+    }
+}
+
+QImage yuv420ToImage(const uint8_t* yuv, int width, int height)
+{
+    if (!yuv || width < 1 || height < 1)
+        return {};
+    QImage image(width, height, QImage::Format_RGB888);
+    if (image.isNull())
+        return {};
+    yuv420ToRgb24(yuv, width, height, image.bits(), image.bytesPerLine());
+    return image;
+}
