@@ -25,6 +25,8 @@ void handleCommandLineWords(const QStringList& words)
 {
     spdlog::debug("list:{}", words.join(QLatin1Char(',')).toStdString());
     const CommandLineRequest request = parseCommandLineWords(words);
-    if (!request.fileUrl.isEmpty())
-        emit FileHelper::instance()->openFile(request.command, request.fileUrl);
+    if (request.fileUrl.isEmpty())
+        return;
+    spdlog::info("openFile: command={} file={}", request.command.toStdString(), request.fileUrl.toStdString());
+    emit FileHelper::instance()->openFile(request.command, request.fileUrl);
 }

@@ -1,0 +1,205 @@
+#include "SingleInstance.h"
+
+#include <QDir>
+#include <QElapsedTimer>
+#include <QFile>
+#include <QLocalSocket>
+#include <QProcess>
+#include <QTemporaryDir>
+#include <QUrl>
+#include <QtTest>
+#include <csignal>
+
+// Two real processes of the program. Each test run has its own TMPDIR, which is where the
+// local server's socket lives, so a player the developer has open is never disturbed.
+class TestStartup : public QObject
+{
+    Q_OBJECT
+private slots:
+    void initTestCase();
+    void cleanup();
+    void secondStartHandsOverAndExitsAtOnce();
+    void secondStartWithoutArgumentsChangesNothing();
+    void pathsWithSpacesQuotesAndChineseTravelIntact();
+    void staleSocketOfKilledInstanceDoesNotBlockNewOne();
+    void startedFromAnotherFolderFindsItsTranslation();
+
+private:
+    QProcess* startPlayer(const QStringList& args = {});
+    bool waitForListening(int timeoutMs = 15000);
+    int runSecond(const QStringList& args);
+    bool waitForLine(QProcess* p, const QString& needle, int timeoutMs = 10000);
+    void stop(QProcess* p);
+
+    QString m_program;
+    QTemporaryDir m_media;
+    QString m_file;
+    QList<QProcess*> m_running;
+};
+
+void TestStartup::initTestCase()
+{
+    m_program = qEnvironmentVariable("VIDORA_BIN_DIR") + "/vidora";
+    QVERIFY2(QFile::exists(m_program), qPrintable(m_program));
+    m_file = m_media.filePath("clip one.mp4");
+    QFile f(m_file);
+    QVERIFY(f.open(QIODevice::WriteOnly)); // content does not matter for the hand-off
+}
+
+void TestStartup::cleanup()
+{
+    for (QProcess* p : m_running)
+        stop(p);
+    m_running.clear();
+}
+
+QProcess* TestStartup::startPlayer(const QStringList& args)
+{
+    auto* p = new QProcess(this);
+    QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
+    env.insert("VIDORA_LOG_LEVEL", "info");
+    env.insert("QT_QPA_PLATFORM", "xcb");
+    p->setProcessEnvironment(env);
+    p->setProcessChannelMode(QProcess::MergedChannels);
+    p->start(m_program, args);
+    m_running << p;
+    return p;
+}
+
+bool TestStartup::waitForListening(int timeoutMs)
+{
+    QElapsedTimer t;
+    t.start();
+    while (t.elapsed() < timeoutMs) {
+        QLocalSocket probe;
+        probe.connectToServer(QString::fromLatin1(SingleInstance::kApplicationId));
+        if (probe.waitForConnected(200))
+            return true;
+        QTest::qWait(100);
+    }
+    return false;
+}
+
+int TestStartup::runSecond(const QStringList& args)
+{
+    QProcess second;
+    second.start(m_program, args);
+    QElapsedTimer t;
+    t.start();
+    if (!second.waitForFinished(5000)) {
+        second.kill();
+        second.waitForFinished();
+        return -100;
+    }
+    // "At once": well before any window could be made and shown.
+    if (t.elapsed() > 4000)
+        return -101;
+    return second.exitStatus() == QProcess::NormalExit ? second.exitCode() : -102;
+}
+
+bool TestStartup::waitForLine(QProcess* p, const QString& needle, int timeoutMs)
+{
+    QElapsedTimer t;
+    t.start();
+    QByteArray seen;
+    while (t.elapsed() < timeoutMs) {
+        p->waitForReadyRead(100);
+        seen += p->readAll();
+        if (QString::fromUtf8(seen).contains(needle))
+            return true;
+    }
+    qWarning().noquote() << "output so far:" << seen;
+    return false;
+}
+
+void TestStartup::stop(QProcess* p)
+{
+    if (p->state() != QProcess::NotRunning) {
+        p->terminate();
+        if (!p->waitForFinished(5000)) {
+            p->kill();
+            p->waitForFinished();
+        }
+    }
+    p->deleteLater();
+}
+
+void TestStartup::secondStartHandsOverAndExitsAtOnce()
+{
+    QProcess* first = startPlayer();
+    QVERIFY(waitForListening());
+
+    QCOMPARE(runSecond({"-crop", m_file}), 0);
+    QVERIFY(waitForLine(first, "openFile: command=-crop file=" + QUrl::fromLocalFile(m_file).toString()));
+
+    // Several files: the last existing one wins; a missing path is ignored.
+    QTemporaryDir other;
+    const QString second = other.filePath("b.mkv");
+    QFile f(second);
+    QVERIFY(f.open(QIODevice::WriteOnly));
+    QCOMPARE(runSecond({m_file, second, "/no/such.mp4"}), 0);
+    QVERIFY(waitForLine(first, "openFile: command= file=" + QUrl::fromLocalFile(second).toString()));
+
+    QCOMPARE(runSecond({"/no/such/file.mp4"}), 0);
+    QVERIFY(!waitForLine(first, "openFile:", 1500));
+    QCOMPARE(first->state(), QProcess::Running);
+}
+
+void TestStartup::secondStartWithoutArgumentsChangesNothing()
+{
+    QProcess* first = startPlayer({m_file});
+    QVERIFY(waitForListening());
+    QVERIFY(waitForLine(first, "openFile: command= file="));
+    QCOMPARE(runSecond({}), 0);
+    QVERIFY(!waitForLine(first, "openFile:", 1500));
+    QCOMPARE(first->state(), QProcess::Running);
+}
+
+void TestStartup::pathsWithSpacesQuotesAndChineseTravelIntact()
+{
+    const QString odd = m_media.filePath("它's a \"测试\" file  two spaces.mp4");
+    QFile f(odd);
+    QVERIFY(f.open(QIODevice::WriteOnly));
+    QProcess* first = startPlayer();
+    QVERIFY(waitForListening());
+    QCOMPARE(runSecond({odd}), 0);
+    QVERIFY(waitForLine(first, "openFile: command= file=" + QUrl::fromLocalFile(odd).toString()));
+}
+
+void TestStartup::staleSocketOfKilledInstanceDoesNotBlockNewOne()
+{
+    QProcess* crashed = startPlayer();
+    QVERIFY(waitForListening());
+    ::kill(static_cast<pid_t>(crashed->processId()), SIGKILL);
+    crashed->waitForFinished();
+    QVERIFY(QFile::exists(QDir::tempPath() + "/" + SingleInstance::kApplicationId)); // left behind
+
+    QProcess* fresh = startPlayer();
+    QVERIFY(waitForListening());
+    QCOMPARE(runSecond({"-compress", m_file}), 0);
+    QVERIFY(waitForLine(fresh, "openFile: command=-compress"));
+}
+
+void TestStartup::startedFromAnotherFolderFindsItsTranslation()
+{
+    auto* p = new QProcess(this);
+    p->setWorkingDirectory(QDir::rootPath());
+    p->start(m_program, QStringList());
+    m_running << p;
+    QVERIFY(waitForListening());
+    // The window title is the translated "Player": the catalogue was found beside the
+    // executable although the process started in /.
+    bool found = false;
+    for (int i = 0; i < 50 && !found; ++i) {
+        QProcess search;
+        search.start("xdotool", {"search", "--name", QStringLiteral("播放器")});
+        search.waitForFinished(5000);
+        found = !search.readAllStandardOutput().trimmed().isEmpty();
+        if (!found)
+            QTest::qWait(200);
+    }
+    QVERIFY(found);
+}
+
+QTEST_GUILESS_MAIN(TestStartup)
+#include "tst_startup.moc"
