@@ -3,6 +3,7 @@
 #include "CommonTool.h"
 
 #include <QObject>
+#include <QProcess>
 #include <QStringList>
 #include <mutex>
 #include <spdlog/sinks/base_sink.h>
@@ -12,6 +13,34 @@
 
 // Test helpers shared by the tools tests: a log recorder and a recorder of the job signals.
 namespace ToolTest {
+
+// Packets of the selected stream(s) as ffprobe counts them.
+inline int countPackets(const QString& file, const QString& streams)
+{
+    QProcess p;
+    p.start(QStringLiteral("ffprobe"), {"-v", "error", "-count_packets", "-select_streams", streams,
+                                        "-show_entries", "stream=nb_read_packets", "-of", "csv=p=0", file});
+    p.waitForFinished(60000);
+    return QString::fromUtf8(p.readAllStandardOutput()).trimmed().toInt();
+}
+
+// Presentation times (in the stream's time base) of every packet of the selected stream, in
+// file order.
+inline QList<qint64> packetPts(const QString& file, const QString& streams)
+{
+    QProcess p;
+    p.start(QStringLiteral("ffprobe"), {"-v", "error", "-select_streams", streams, "-show_entries",
+                                        "packet=pts", "-of", "csv=p=0", file});
+    p.waitForFinished(60000);
+    QList<qint64> values;
+    // Packets with side data get extra (empty) columns; the pts is the first.
+    for (const QByteArray& line : p.readAllStandardOutput().split('\n')) {
+        const QByteArray pts = line.split(',').first().trimmed();
+        if (!pts.isEmpty())
+            values << pts.toLongLong();
+    }
+    return values;
+}
 
 // Replaces the default logger for its lifetime with one that records every message (debug and
 // up), so a test can check the reason a job logged.
@@ -61,7 +90,8 @@ private:
         void sink_it_(const spdlog::details::log_msg& msg) override
         {
             std::lock_guard<std::mutex> lock(entriesMutex);
-            entries.emplace_back(msg.level, QString::fromUtf8(msg.payload.data(), static_cast<int>(msg.payload.size())));
+            entries.emplace_back(msg.level,
+                                 QString::fromUtf8(msg.payload.data(), static_cast<int>(msg.payload.size())));
         }
         void flush_() override {}
     };
@@ -83,9 +113,8 @@ public:
                 [this](int value) { events << QStringLiteral("progress:%1").arg(value); });
         connect(&tool, &CommonTool::videoCompressionCancelled, this,
                 [this]() { events << QStringLiteral("cancelled"); });
-        connect(&tool, &CommonTool::videoCompressionFinished, this, [this](bool ok) {
-            events << QStringLiteral("finished:%1").arg(ok ? "true" : "false");
-        });
+        connect(&tool, &CommonTool::videoCompressionFinished, this,
+                [this](bool ok) { events << QStringLiteral("finished:%1").arg(ok ? "true" : "false"); });
     }
     QStringList events;
 

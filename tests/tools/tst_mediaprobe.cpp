@@ -26,8 +26,12 @@ private:
     {
         const QString out = path(QStringLiteral("sub-%1.%2").arg(codec, container));
         if (!QFile::exists(out))
-            make({"-f", "lavfi", "-i", "testsrc=size=160x120:duration=1", "-f", "lavfi", "-i", "sine=duration=1", "-i",
-                  path("s.srt"), "-map", "0", "-map", "1", "-map", "2", "-pix_fmt", "yuv420p", "-c:s", codec, out});
+            make({"-f",       "lavfi",       "-i",   "testsrc=size=160x120:duration=1",
+                  "-f",       "lavfi",       "-i",   "sine=duration=1",
+                  "-i",       path("s.srt"), "-map", "0",
+                  "-map",     "1",           "-map", "2",
+                  "-pix_fmt", "yuv420p",     "-c:s", codec,
+                  out});
         return out;
     }
 
@@ -38,10 +42,12 @@ private:
         ff::OutputFormatPtr output;
         bool ok = false;
     };
-    Layout layout(const QString& input, const QString& outputName, void (*prepare)(AVFormatContext*) = nullptr)
+    Layout layout(const QString& input, const QString& outputName,
+                  void (*prepare)(AVFormatContext*) = nullptr)
     {
         Layout l;
-        if (!MediaProbe::openInputFile(input, l.input) || !MediaProbe::createOutputContext(l.output, path(outputName)))
+        if (!MediaProbe::openInputFile(input, l.input) ||
+            !MediaProbe::createOutputContext(l.output, path(outputName)))
             return l;
         if (prepare)
             prepare(l.input.get());
@@ -56,7 +62,8 @@ private slots:
         av_log_set_level(AV_LOG_ERROR);
         QVERIFY(TestMedia::makeVideo(path("plain.mp4"), 2.0));
         QVERIFY(make({"-f", "lavfi", "-i", "testsrc=size=64x64", "-frames:v", "1", path("cover.png")}));
-        QVERIFY(make({"-f", "lavfi", "-i", "testsrc=size=160x120:duration=1", "-pix_fmt", "yuv420p", path("v.mp4")}));
+        QVERIFY(make(
+            {"-f", "lavfi", "-i", "testsrc=size=160x120:duration=1", "-pix_fmt", "yuv420p", path("v.mp4")}));
         QFile srt(path("s.srt"));
         QVERIFY(srt.open(QIODevice::WriteOnly));
         srt.write("1\n00:00:00,000 --> 00:00:00,800\nhello\n");
@@ -67,7 +74,8 @@ private slots:
         LogCapture log;
         CommonTool tool;
         const QVariantMap info = tool.getVideoInfo(path("plain.mp4"));
-        QCOMPARE(info.keys(), (QStringList{"audioBitrate", "audioCodecId", "bitrate", "codecId", "fps", "height", "width"}));
+        QCOMPARE(info.keys(), (QStringList{"audioBitrate", "audioCodecId", "bitrate", "codecId", "fps",
+                                           "height", "width"}));
         QCOMPARE(info.value("codecId").toInt(), int(AV_CODEC_ID_H264));
         QCOMPARE(info.value("width").toInt(), 320);
         QCOMPARE(info.value("height").toInt(), 240);
@@ -94,8 +102,8 @@ private slots:
     void coverPictureIsNeverTheVideoStream()
     {
         const QString mp3 = path("cover.mp3");
-        QVERIFY(make({"-f", "lavfi", "-i", "sine=duration=1", "-i", path("cover.png"), "-map", "0", "-map", "1", "-c:v",
-                      "png", "-disposition:v", "attached_pic", mp3}));
+        QVERIFY(make({"-f", "lavfi", "-i", "sine=duration=1", "-i", path("cover.png"), "-map", "0", "-map",
+                      "1", "-c:v", "png", "-disposition:v", "attached_pic", mp3}));
         const QVariantMap info = CommonTool().getVideoInfo(mp3);
         for (const char* key : {"codecId", "width", "height", "bitrate", "fps"})
             QCOMPARE(info.value(key).toLongLong(), 0);
@@ -105,14 +113,16 @@ private slots:
     void frameRateIsRoundedToWholeNumber()
     {
         const QString ntsc = path("ntsc.mp4");
-        QVERIFY(make({"-f", "lavfi", "-i", "testsrc=size=160x120:rate=30000/1001:duration=1", "-pix_fmt", "yuv420p", ntsc}));
+        QVERIFY(make({"-f", "lavfi", "-i", "testsrc=size=160x120:rate=30000/1001:duration=1", "-pix_fmt",
+                      "yuv420p", ntsc}));
         QCOMPARE(CommonTool().getVideoInfo(ntsc).value("fps").toInt(), 30);
     }
 
     void unknownOrUnreadableDurationIsZero()
     {
         const QString raw = path("raw.h264");
-        QVERIFY(make({"-f", "lavfi", "-i", "testsrc=size=160x120:duration=1", "-pix_fmt", "yuv420p", "-f", "h264", raw}));
+        QVERIFY(make({"-f", "lavfi", "-i", "testsrc=size=160x120:duration=1", "-pix_fmt", "yuv420p", "-f",
+                      "h264", raw}));
         CommonTool tool;
         QCOMPARE(tool.getVideoDuration(raw), 0.0);
         QCOMPARE(tool.getVideoDuration(path("missing.mp4")), 0.0);
@@ -168,10 +178,18 @@ private slots:
         QTest::addColumn<QString>("codec");
         QTest::addColumn<QString>("output");
         QTest::addColumn<QString>("muxer");
-        QTest::newRow("srt into mp4") << "srt" << "o.mp4" << "mp4";
-        QTest::newRow("ass into mp4") << "ass" << "o.mp4" << "mp4";
-        QTest::newRow("srt into mov") << "srt" << "o.mov" << "mov";
-        QTest::newRow("ass into 3gp") << "ass" << "o.3gp" << "3gp";
+        QTest::newRow("srt into mp4") << "srt"
+                                      << "o.mp4"
+                                      << "mp4";
+        QTest::newRow("ass into mp4") << "ass"
+                                      << "o.mp4"
+                                      << "mp4";
+        QTest::newRow("srt into mov") << "srt"
+                                      << "o.mov"
+                                      << "mov";
+        QTest::newRow("ass into 3gp") << "ass"
+                                      << "o.3gp"
+                                      << "3gp";
     }
     void textSubtitlesAreDroppedFromMp4Family()
     {
@@ -185,7 +203,8 @@ private slots:
         QCOMPARE(int(l.output->nb_streams), 2);
         const QString name = avcodec_get_name(l.input->streams[2]->codecpar->codec_id);
         QCOMPARE(log.lines(lvl::warn),
-                 QStringList{QStringLiteral("Subtitle codec %1 not supported in %2 container, skipping subtitle stream")
+                 QStringList{QStringLiteral(
+                                 "Subtitle codec %1 not supported in %2 container, skipping subtitle stream")
                                  .arg(name, muxer)});
         QVERIFY(log.contains(lvl::info, "Skipping stream index 2 (Subtitle)"));
     }
@@ -195,9 +214,15 @@ private slots:
         QTest::addColumn<QString>("codec");
         QTest::addColumn<QString>("inputContainer");
         QTest::addColumn<QString>("output");
-        QTest::newRow("srt into mkv") << "srt" << "mkv" << "o.mkv";
-        QTest::newRow("ass into mkv") << "ass" << "mkv" << "o.mkv";
-        QTest::newRow("mov_text into mov") << "mov_text" << "mp4" << "o.mov";
+        QTest::newRow("srt into mkv") << "srt"
+                                      << "mkv"
+                                      << "o.mkv";
+        QTest::newRow("ass into mkv") << "ass"
+                                      << "mkv"
+                                      << "o.mkv";
+        QTest::newRow("mov_text into mov") << "mov_text"
+                                           << "mp4"
+                                           << "o.mov";
     }
     void subtitlesAreKeptWhereTheContainerTakesThem()
     {
@@ -217,8 +242,8 @@ private slots:
     void coverArtIsCopiedWithItsPicture()
     {
         const QString input = path("cover-after.mp4");
-        QVERIFY(make({"-i", path("v.mp4"), "-i", path("cover.png"), "-map", "0", "-map", "1", "-c:v:0", "copy", "-c:v:1",
-                      "png", "-disposition:v:1", "attached_pic", input}));
+        QVERIFY(make({"-i", path("v.mp4"), "-i", path("cover.png"), "-map", "0", "-map", "1", "-c:v:0",
+                      "copy", "-c:v:1", "png", "-disposition:v:1", "attached_pic", input}));
         LogCapture log;
         // A demuxer that cannot read the picture's size leaves it 0x0: the case the layout
         // treats as cover art.
@@ -239,15 +264,16 @@ private slots:
         QVERIFY(out->disposition & AV_DISPOSITION_ATTACHED_PIC);
         QVERIFY(log.contains(lvl::info, "Found cover image stream (index=1)"));
         QVERIFY(log.contains(lvl::info, "Copying special properties for Cover Image stream index 1"));
-        QVERIFY(log.contains(lvl::info, QStringLiteral("Copied cover image: size=%1 bytes, dimensions=160x120")
-                                            .arg(in->attached_pic.size)));
+        QVERIFY(
+            log.contains(lvl::info, QStringLiteral("Copied cover image: size=%1 bytes, dimensions=160x120")
+                                        .arg(in->attached_pic.size)));
     }
 
     void coverBeforeAnyVideoHasNoSizeToBorrow()
     {
         const QString input = path("cover-first.mkv");
-        QVERIFY(make({"-i", path("cover.png"), "-i", path("v.mp4"), "-map", "0", "-map", "1", "-c:v:0", "png", "-c:v:1",
-                      "copy", input}));
+        QVERIFY(make({"-i", path("cover.png"), "-i", path("v.mp4"), "-map", "0", "-map", "1", "-c:v:0", "png",
+                      "-c:v:1", "copy", input}));
         Layout l = layout(input, "o.mkv", [](AVFormatContext* in) {
             in->streams[0]->codecpar->width = 0;
             in->streams[0]->codecpar->height = 0;
@@ -268,7 +294,8 @@ private slots:
         f.write(QByteArray(256, 'x'));
         f.close();
         const QString input = path("attach.mkv");
-        QVERIFY(make({"-i", path("v.mp4"), "-attach", font, "-metadata:s:t", "mimetype=font/ttf", "-c", "copy", input}));
+        QVERIFY(make({"-i", path("v.mp4"), "-attach", font, "-metadata:s:t", "mimetype=font/ttf", "-c",
+                      "copy", input}));
         LogCapture log;
         Layout l = layout(input, "o.mkv");
         QVERIFY(l.ok);
