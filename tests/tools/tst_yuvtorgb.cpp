@@ -90,6 +90,22 @@ private slots:
         }
     }
 
+    void oddSizesUseTheirRealChromaRows()
+    {
+        // 3x3: chroma planes are 2x2. Only the bottom-right chroma sample is blue-ish, so
+        // exactly pixel (2, 2) turns blue; a row length of 1 would colour other pixels too.
+        auto data = solid(3, 3, 120, 128, 128);
+        data[9 + 3] = 240; // U at chroma (1, 1)
+        data[13 + 3] = 110; // V at chroma (1, 1)
+        const QImage image = yuv420ToImage(data.data(), 3, 3);
+        for (int y = 0; y < 3; ++y)
+            for (int x = 0; x < 3; ++x) {
+                const QColor c = image.pixelColor(x, y);
+                const bool blue = c.blue() > c.red() + 50;
+                QCOMPARE(blue, x == 2 && y == 2);
+            }
+    }
+
     void emptyInputGivesNullImage()
     {
         QVERIFY(yuv420ToImage(nullptr, 10, 10).isNull());
