@@ -4,7 +4,10 @@
 
 namespace {
 
-inline uint8_t clamp255(int v) { return static_cast<uint8_t>(std::min(255, std::max(0, v))); }
+inline uint8_t clamp255(int v)
+{
+    return static_cast<uint8_t>(std::min(255, std::max(0, v)));
+}
 
 } // namespace
 

@@ -95,7 +95,7 @@ private slots:
         // 3x3: chroma planes are 2x2. Only the bottom-right chroma sample is blue-ish, so
         // exactly pixel (2, 2) turns blue; a row length of 1 would colour other pixels too.
         auto data = solid(3, 3, 120, 128, 128);
-        data[9 + 3] = 240; // U at chroma (1, 1)
+        data[9 + 3] = 240;  // U at chroma (1, 1)
         data[13 + 3] = 110; // V at chroma (1, 1)
         const QImage image = yuv420ToImage(data.data(), 3, 3);
         for (int y = 0; y < 3; ++y)
@@ -127,12 +127,12 @@ private slots:
         const QString dir = TestMedia::scratchDir("rgb");
         const QString video = dir + "/v.mp4";
         QVERIFY(TestMedia::ffmpeg({"-f", "lavfi", "-i",
-                                   QStringLiteral("testsrc=size=%1x%2:duration=1").arg(width).arg(height), "-pix_fmt",
-                                   "yuv444p", video}));
+                                   QStringLiteral("testsrc=size=%1x%2:duration=1").arg(width).arg(height),
+                                   "-pix_fmt", "yuv444p", video}));
         // The reference goes through 4:2:0 too, so only the chroma interpolation differs.
         const QString rgbFile = dir + "/ref.rgb";
-        QVERIFY(TestMedia::ffmpeg({"-i", video, "-frames:v", "1", "-vf", "format=yuv420p", "-pix_fmt", "rgb24", "-f",
-                                   "rawvideo", rgbFile}));
+        QVERIFY(TestMedia::ffmpeg({"-i", video, "-frames:v", "1", "-vf", "format=yuv420p", "-pix_fmt",
+                                   "rgb24", "-f", "rawvideo", rgbFile}));
         QFile f(rgbFile);
         QVERIFY(f.open(QIODevice::ReadOnly));
         const QByteArray ref = f.readAll();
