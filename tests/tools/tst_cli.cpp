@@ -364,12 +364,14 @@ private slots:
         QVERIFY(half.size() <= 79);
         QVERIFY(half.startsWith("clip ["));
         QVERIFY(half.contains(" 150/300  50% elapsed 00:00:02 left ~00:00:02"));
+        // Fields keep their width as the numbers grow.
+        QCOMPARE(ProgressBar::render("clip", 5, 300, 100, 80).size(), half.size());
         const QString bar = half.mid(half.indexOf('[') + 1, half.indexOf(']') - half.indexOf('[') - 1);
         QCOMPARE(bar.count('#'), bar.size() / 2);
         QCOMPARE(bar.count('#') + bar.count('-'), bar.size());
 
         QVERIFY(
-            ProgressBar::render("merge", 0, 0, 500, 80).contains(" 0   0% elapsed 00:00:00 left --:--:--"));
+            ProgressBar::render("merge", 0, 0, 500, 80).contains(" 0   0% elapsed 00:00:00 left  --:--:--"));
         // Past the announced total (a faster frame rate than 25) the bar stays full.
         QVERIFY(ProgressBar::render("clip", 400, 300, 1000, 80).contains(" 400/300 100% "));
         // A narrow terminal drops the bar, never wraps.
