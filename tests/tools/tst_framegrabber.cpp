@@ -163,29 +163,6 @@ private slots:
         QCOMPARE(g.width, 64);
         QCOMPARE(g.height, 48);
     }
-
-    void grabsRunSafelyInParallel()
-    {
-        // The thumbnail lists grab from several pool threads at once.
-        QList<QThread*> threads;
-        QAtomicInt good = 0;
-        for (int i = 0; i < 4; ++i) {
-            threads << QThread::create([this, i, &good]() {
-                uint8_t* buffer = nullptr;
-                int w = 0, h = 0;
-                FrameGrabber::grab(path("4s.mp4"), i * 0.9, &buffer, &w, &h);
-                if (buffer && w == 320 && h == 240)
-                    good.fetchAndAddRelaxed(1);
-                av_free(buffer);
-            });
-            threads.last()->start();
-        }
-        for (QThread* t : threads) {
-            QVERIFY(t->wait(30000));
-            delete t;
-        }
-        QCOMPARE(good.loadRelaxed(), 4);
-    }
 };
 
 QTEST_GUILESS_MAIN(TestFrameGrabber)

@@ -84,23 +84,6 @@ private slots:
         }
     }
 
-    void chromaIsReadAtHalfPositions()
-    {
-        // 4x2 frame: left chroma sample red-ish, right one blue-ish.
-        auto data = solid(4, 2, 120, 128, 128);
-        data[8] = 90;   // U, left
-        data[9] = 240;  // U, right
-        data[10] = 240; // V, left
-        data[11] = 110; // V, right
-        const QImage image = yuv420ToImage(data.data(), 4, 2);
-        for (int row = 0; row < 2; ++row) {
-            QCOMPARE(image.pixelColor(0, row), image.pixelColor(1, row));
-            QCOMPARE(image.pixelColor(2, row), image.pixelColor(3, row));
-            QVERIFY(image.pixelColor(0, row).red() > image.pixelColor(0, row).blue());
-            QVERIFY(image.pixelColor(3, row).blue() > image.pixelColor(3, row).red());
-        }
-    }
-
     void oddSizesUseTheirRealChromaRows()
     {
         // 3x3: chroma planes are 2x2. Only the bottom-right chroma sample is blue-ish, so
