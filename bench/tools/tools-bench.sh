@@ -3,15 +3,18 @@
 # on a generated 2-minute 1080p H.264 + AAC file. Medians of several runs (hyperfine, one
 # warm-up each, so both sides read from the page cache). Run by hand after a Release build:
 #   bench/tools/tools-bench.sh            (RUNS=7, BENCH_DIR=/tmp/vidora-bench)
-# Generated media stays in BENCH_DIR, outside the repository, and is reused by later runs.
+#   OUT_DIR=/dev/shm/vidora-bench bench/tools/tools-bench.sh   (outputs in memory: no disk)
+# Generated media stays in BENCH_DIR, outside the repository, and is reused by later runs;
+# outputs go to OUT_DIR (default BENCH_DIR) and are removed at the end unless KEEP=1.
 set -euo pipefail
 root=$(cd "$(dirname "$0")/../.." && pwd)
 cli=${BUILD_DIR:-$root/build}/bin/vidora-cli
 dir=${BENCH_DIR:-/tmp/vidora-bench}
 runs=${RUNS:-7}
+out=${OUT_DIR:-$dir}
 [[ -x $cli ]] || { echo "build vidora-cli first (scripts/build.sh)" >&2; exit 1; }
 command -v hyperfine >/dev/null || { echo "hyperfine is needed" >&2; exit 1; }
-mkdir -p "$dir"
+mkdir -p "$dir" "$out"
 
 src=$dir/source-1080p-120s.mp4
 if [[ ! -s $src ]]; then
@@ -32,18 +35,18 @@ bench() { # name, then hyperfine arguments
 }
 
 bench clip \
-  -n "vidora-cli clip 30-90 s" "$cli -q clip '$src' '$dir/clip-vidora.mp4' --start 30 --end 90" \
-  -n "ffmpeg -ss 30 -t 60 -c copy" "ffmpeg -nostdin -v error -y -ss 30 -i '$src' -t 60 -c copy '$dir/clip-ffmpeg.mp4'"
+  -n "vidora-cli clip 30-90 s" "$cli -q clip '$src' '$out/clip-vidora.mp4' --start 30 --end 90" \
+  -n "ffmpeg -ss 30 -t 60 -c copy" "ffmpeg -nostdin -v error -y -ss 30 -i '$src' -t 60 -c copy '$out/clip-ffmpeg.mp4'"
 bench merge \
-  -n "vidora-cli merge 2 x 120 s" "$cli -q merge '$dir/merge-vidora.mp4' '$src' '$src'" \
-  -n "ffmpeg concat -c copy" "ffmpeg -nostdin -v error -y -f concat -safe 0 -i '$dir/list.txt' -c copy '$dir/merge-ffmpeg.mp4'"
+  -n "vidora-cli merge 2 x 120 s" "$cli -q merge '$out/merge-vidora.mp4' '$src' '$src'" \
+  -n "ffmpeg concat -c copy" "ffmpeg -nostdin -v error -y -f concat -safe 0 -i '$dir/list.txt' -c copy '$out/merge-ffmpeg.mp4'"
 # 60 s is a key frame; at 61.5 s the ffmpeg tool decodes on to the exact frame while the
 # grabber stops at the key frame before it.
 bench thumbnail \
-  -n "vidora-cli thumbnail 60 s" "$cli thumbnail '$src' 60 '$dir/thumb-vidora.png'" \
-  -n "ffmpeg -ss 60 -frames:v 1" "ffmpeg -nostdin -v error -y -ss 60 -i '$src' -frames:v 1 '$dir/thumb-ffmpeg.png'" \
-  -n "vidora-cli thumbnail 61.5 s" "$cli thumbnail '$src' 61.5 '$dir/thumb-vidora-mid.png'" \
-  -n "ffmpeg -ss 61.5 -frames:v 1" "ffmpeg -nostdin -v error -y -ss 61.5 -i '$src' -frames:v 1 '$dir/thumb-ffmpeg-mid.png'"
+  -n "vidora-cli thumbnail 60 s" "$cli thumbnail '$src' 60 '$out/thumb-vidora.png'" \
+  -n "ffmpeg -ss 60 -frames:v 1" "ffmpeg -nostdin -v error -y -ss 60 -i '$src' -frames:v 1 '$out/thumb-ffmpeg.png'" \
+  -n "vidora-cli thumbnail 61.5 s" "$cli thumbnail '$src' 61.5 '$out/thumb-vidora-mid.png'" \
+  -n "ffmpeg -ss 61.5 -frames:v 1" "ffmpeg -nostdin -v error -y -ss 61.5 -i '$src' -frames:v 1 '$out/thumb-ffmpeg-mid.png'"
 # Process start and probing alone.
 bench startup \
   -n "vidora-cli --version" "$cli --version" \
@@ -63,6 +66,9 @@ for name in ("clip", "merge", "thumbnail", "startup"):
     print()
 PY
 for f in clip-vidora clip-ffmpeg merge-vidora merge-ffmpeg; do
-  printf '%-14s %s s, %s bytes\n' "$f" "$(ffprobe -v error -show_entries format=duration -of csv=p=0 "$dir/$f.mp4")" \
-    "$(stat -c %s "$dir/$f.mp4")"
+  printf '%-14s %s s, %s bytes\n' "$f" "$(ffprobe -v error -show_entries format=duration -of csv=p=0 "$out/$f.mp4")" \
+    "$(stat -c %s "$out/$f.mp4")"
 done
+if [[ ${KEEP:-0} != 1 ]]; then
+  rm -f "$out"/{clip,merge}-{vidora,ffmpeg}.mp4 "$out"/thumb-*.png
+fi
