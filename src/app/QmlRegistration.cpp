@@ -2,6 +2,7 @@
 
 #include "ConfigHelper.h"
 #include "FileHelper.h"
+#include "SqlHelper.h"
 
 #include <QQmlApplicationEngine>
 #include <QQmlEngine>
@@ -33,6 +34,8 @@ void registerQmlTypes()
                                            [](QQmlEngine*, QJSEngine*) { return shared(configHelper()); });
     qmlRegisterSingletonType<FileHelper>(kUri, 1, 0, "FileHelper",
                                          [](QQmlEngine*, QJSEngine*) { return shared(FileHelper::instance()); });
+    qmlRegisterSingletonType<SqlHelper>(kUri, 1, 0, "SqlHelper",
+                                        [](QQmlEngine*, QJSEngine*) { return shared(SqlHelper::instance()); });
 }
 
 void finishEngineSetup(QQmlApplicationEngine& engine)
