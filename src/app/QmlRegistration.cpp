@@ -2,6 +2,7 @@
 
 #include "ConfigHelper.h"
 #include "FileHelper.h"
+#include "MpvView.h"
 #include "SqlHelper.h"
 
 #include <QQmlApplicationEngine>
@@ -36,6 +37,10 @@ void registerQmlTypes()
                                          [](QQmlEngine*, QJSEngine*) { return shared(FileHelper::instance()); });
     qmlRegisterSingletonType<SqlHelper>(kUri, 1, 0, "SqlHelper",
                                         [](QQmlEngine*, QJSEngine*) { return shared(SqlHelper::instance()); });
+
+    // Creatable types, in table order.
+    MpvController::registerMetaTypes();
+    qmlRegisterType<MpvView>(kUri, 1, 0, "MpvView");
 }
 
 void finishEngineSetup(QQmlApplicationEngine& engine)
