@@ -4,7 +4,9 @@
 //   bench_player ttff vidora|mpv FILE         time from the load request to the first frame
 //                                             on the X screen (one run, milliseconds)
 //   bench_player cpu vidora|mpv FILE SECONDS  CPU used while playing (percent of one core)
-//   bench_player history ROWS                 history writes at load and stop, GUI thread
+//   bench_player history ROWS FILE            history writes at load and stop, GUI thread
+//   bench_player composite SECONDS            CPU of the scene graph alone: a framebuffer item
+//                                             that only clears, redrawn at 30 fps
 //
 // Both players get a 1280x720 window at the screen's top-left corner, no audio output and
 // software decoding. "First frame" is the moment a watched pixel of the window turns from
@@ -17,6 +19,9 @@
 #include <QFile>
 #include <QGuiApplication>
 #include <QLocalSocket>
+#include <QOpenGLContext>
+#include <QOpenGLFramebufferObject>
+#include <QOpenGLFunctions>
 #include <QProcess>
 #include <QQuickWindow>
 #include <QSignalSpy>
@@ -140,8 +145,6 @@ struct Vidora
         window.setFlags(Qt::FramelessWindowHint);
         window.setGeometry(0, 0, kWidth, kHeight);
         window.setColor(Qt::black);
-        if (qEnvironmentVariableIsSet("BENCH_NO_CLEAR"))
-            window.setClearBeforeRendering(false);
         view = new MpvView(window.contentItem());
         view->setSize(QSizeF(kWidth, kHeight));
         QSignalSpy ready(view, &MpvView::initCompleted);
@@ -346,6 +349,49 @@ int historyWrites(int rows, const QString& file)
     return 0;
 }
 
+// What presenting a framebuffer item through the scene graph costs by itself: the share of
+// the player's CPU that the command-line player, drawing straight into its window, does not pay.
+class ClearRenderer : public QQuickFramebufferObject::Renderer
+{
+    void render() override
+    {
+        QOpenGLFunctions* gl = QOpenGLContext::currentContext()->functions();
+        gl->glClearColor(float(++m_frames % 2) * 0.5f, 0.2f, 0.3f, 1.0f);
+        gl->glClear(GL_COLOR_BUFFER_BIT);
+    }
+    QOpenGLFramebufferObject* createFramebufferObject(const QSize& size) override
+    {
+        return new QOpenGLFramebufferObject(size);
+    }
+    int m_frames = 0;
+};
+
+class ClearItem : public QQuickFramebufferObject
+{
+    Renderer* createRenderer() const override { return new ClearRenderer; }
+};
+
+int compositeOnly(int seconds)
+{
+    QQuickWindow window;
+    window.setGeometry(0, 0, kWidth, kHeight);
+    auto* item = new ClearItem;
+    item->setParentItem(window.contentItem());
+    item->setSize(QSizeF(kWidth, kHeight));
+    window.show();
+    QTimer frames;
+    QObject::connect(&frames, &QTimer::timeout, item, &QQuickItem::update);
+    frames.start(33);
+    pause(2000);
+    const double before = cpuSeconds(QCoreApplication::applicationPid());
+    QElapsedTimer timer;
+    timer.start();
+    pause(seconds * 1000);
+    const double used = cpuSeconds(QCoreApplication::applicationPid()) - before;
+    std::printf("%.1f %%\n", 100.0 * used / (double(timer.elapsed()) / 1000.0));
+    return 0;
+}
+
 } // namespace
 
 int main(int argc, char* argv[])
@@ -370,7 +416,9 @@ int main(int argc, char* argv[])
         return cpuWhilePlaying(args.at(2), args.at(3), dir.path(), args.at(4).toInt());
     if (mode == "history" && args.size() == 4)
         return historyWrites(args.at(2).toInt(), args.at(3));
+    if (mode == "composite" && args.size() == 3)
+        return compositeOnly(args.at(2).toInt());
     std::fprintf(stderr, "usage: bench_player ttff vidora|mpv FILE | cpu vidora|mpv FILE SECONDS | "
-                         "history ROWS FILE\n");
+                         "history ROWS FILE | composite SECONDS\n");
     return 2;
 }

@@ -40,5 +40,7 @@ done
 cv=$(median <"$work/cpu_vidora"); cm=$(median <"$work/cpu_mpv")
 echo "CPU while playing 1080p, median: vidora $cv %, mpv $cm %, ratio $(awk -v a="$cv" -v b="$cm" 'BEGIN{printf "%.2f", a/b}')"
 
+echo "scene graph alone (framebuffer item that only clears, 30 fps): $(run composite "$cpu_seconds")"
+
 echo "history writes with a 10,000-row table:"
 xvfb-run -a -s "-screen 0 1400x900x24 -br -nolisten tcp" "$bench" history 10000 "$media" 2>/dev/null | grep -v '^\['

@@ -91,6 +91,11 @@ MpvView::MpvView(QQuickItem* parent) : MpvAbstractItem(parent)
     connect(this, &MpvAbstractItem::ready, this, &MpvView::onReady);
 }
 
+MpvView::~MpvView()
+{
+    saveHistory(false);
+}
+
 void MpvView::onReady()
 {
     // The end-of-file flow (history row, next file) needs libmpv to end files and to stay
