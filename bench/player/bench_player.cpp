@@ -11,6 +11,8 @@
 // Both players get a 1280x720 window at the screen's top-left corner, no audio output and
 // software decoding. "First frame" is the moment a watched pixel of the window turns from
 // black to the picture, read from the X server by a thread with its own connection.
+// BENCH_NODEPTH=1 gives windows no depth and stencil buffers, to show what the scene graph
+// would save without them.
 #include "MpvView.h"
 #include "SqlHelper.h"
 
@@ -25,6 +27,7 @@
 #include <QProcess>
 #include <QQuickWindow>
 #include <QSignalSpy>
+#include <QSurfaceFormat>
 #include <QTemporaryDir>
 #include <QThread>
 #include <QTimer>
@@ -376,6 +379,7 @@ int compositeOnly(int seconds)
     QQuickWindow window;
     window.setGeometry(0, 0, kWidth, kHeight);
     auto* item = new ClearItem;
+    item->setSmooth(false); // as the player's item
     item->setParentItem(window.contentItem());
     item->setSize(QSizeF(kWidth, kHeight));
     window.show();
@@ -396,6 +400,12 @@ int compositeOnly(int seconds)
 
 int main(int argc, char* argv[])
 {
+    if (qEnvironmentVariableIsSet("BENCH_NODEPTH")) {
+        QSurfaceFormat format = QSurfaceFormat::defaultFormat();
+        format.setDepthBufferSize(0);
+        format.setStencilBufferSize(0);
+        QSurfaceFormat::setDefaultFormat(format);
+    }
     QGuiApplication app(argc, argv);
     QStringList args = app.arguments();
     // Media paths are taken relative to the folder the bench was started from.
