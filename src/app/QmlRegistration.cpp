@@ -3,6 +3,8 @@
 #include "CommonTool.h"
 #include "ConfigHelper.h"
 #include "FileHelper.h"
+#include "MpvView.h"
+#include "SqlHelper.h"
 
 #include <QQmlApplicationEngine>
 #include <QQmlEngine>
@@ -33,8 +35,14 @@ void registerQmlTypes()
         kUri, 1, 0, "CommonTool", [](QQmlEngine*, QJSEngine*) { return shared(CommonTool::instance()); });
     qmlRegisterSingletonType<ConfigHelper>(kUri, 1, 0, "ConfigHelper",
                                            [](QQmlEngine*, QJSEngine*) { return shared(configHelper()); });
-    qmlRegisterSingletonType<FileHelper>(
-        kUri, 1, 0, "FileHelper", [](QQmlEngine*, QJSEngine*) { return shared(FileHelper::instance()); });
+    qmlRegisterSingletonType<FileHelper>(kUri, 1, 0, "FileHelper",
+                                         [](QQmlEngine*, QJSEngine*) { return shared(FileHelper::instance()); });
+    qmlRegisterSingletonType<SqlHelper>(kUri, 1, 0, "SqlHelper",
+                                        [](QQmlEngine*, QJSEngine*) { return shared(SqlHelper::instance()); });
+
+    // Creatable types, in table order.
+    MpvController::registerMetaTypes();
+    qmlRegisterType<MpvView>(kUri, 1, 0, "MpvView");
 }
 
 void finishEngineSetup(QQmlApplicationEngine& engine)

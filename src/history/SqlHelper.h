@@ -23,11 +23,14 @@ public:
     explicit SqlHelper(const QString& databasePath, QObject* parent = nullptr);
     ~SqlHelper() override;
 
-    Q_INVOKABLE bool saveVideoInfo(const QString& url, const QString& filename, double duration, double position,
-                                   const QByteArray& thumbnail, int thumbnailWidth, int thumbnailHeight);
+    Q_INVOKABLE bool saveVideoInfo(const QString& url, const QString& filename, double duration,
+                                   double position, const QByteArray& thumbnail, int thumbnailWidth,
+                                   int thumbnailHeight);
     Q_INVOKABLE bool deleteVideoByUrl(const QString& url);
     Q_INVOKABLE bool setVideoTop(const QString& url, bool top);
     Q_INVOKABLE double getLastPosition(const QString& url);
+    // The stored duration in seconds; 0.0 when there is no row.
+    double getDuration(const QString& url);
     Q_INVOKABLE QList<QVariantMap> getVideoHistory(int limit);
     Q_INVOKABLE bool clearHistory();
 
@@ -39,5 +42,8 @@ signals:
     void databaseError(QString error);
 
 private:
-    sqlite3* m_db = nullptr;
+    // Creates the table and adds the columns that older databases lack.
+    void createSchema();
+
+    sqlite3* m_db = nullptr; // owned; null when the open failed
 };
