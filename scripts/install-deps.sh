@@ -19,6 +19,8 @@ PACKAGES=(
   libsqlite3-dev libspdlog-dev libfmt-dev nlohmann-json3-dev
   # Chinese text
   fonts-noto-cjk
+  # emoji in the on-screen messages (monochrome, which the subtitle renderer can draw)
+  fonts-symbola
   # software OpenGL for the scene under Xvfb
   libgl1-mesa-dri libglx-mesa0 libegl-mesa0
   # tests: media generation and checks, a real X server, window driving and grabbing
