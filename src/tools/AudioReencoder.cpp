@@ -119,7 +119,8 @@ bool AudioReencoder::chooseSampleRate(const AVCodec* codec, int sourceRate)
         highest = std::max(highest, *rate);
     }
     enc->sample_rate = above ? above : highest;
-    spdlog::info("Audio encoder {} does not take {} Hz, using {} Hz", codec->name, sourceRate, enc->sample_rate);
+    spdlog::info("Audio encoder {} does not take {} Hz, using {} Hz", codec->name, sourceRate,
+                 enc->sample_rate);
     return enc->sample_rate > 0;
 }
 
@@ -146,8 +147,8 @@ bool AudioReencoder::chooseLayout(const AVCodec* codec, const AVChannelLayout& s
         if (!exact) {
             char name[64] = {};
             av_channel_layout_describe(choice, name, sizeof(name));
-            spdlog::info("Audio encoder {} does not take {} channels, using {}", codec->name, wanted.nb_channels,
-                         name);
+            spdlog::info("Audio encoder {} does not take {} channels, using {}", codec->name,
+                         wanted.nb_channels, name);
         }
     }
     const int ret = av_channel_layout_copy(&enc->ch_layout, choice);
@@ -207,8 +208,9 @@ AVFrame* AudioReencoder::toEncoderFormat(AVFrame* frame)
 
     AVFrame* out = m_resampled.get();
     av_frame_unref(out);
-    const int64_t capacity = av_rescale_rnd(swr_get_delay(m_resampler.get(), m_resamplerRate) + frame->nb_samples,
-                                            enc->sample_rate, m_resamplerRate, AV_ROUND_UP);
+    const int64_t capacity =
+        av_rescale_rnd(swr_get_delay(m_resampler.get(), m_resamplerRate) + frame->nb_samples,
+                       enc->sample_rate, m_resamplerRate, AV_ROUND_UP);
     out->format = enc->sample_fmt;
     out->sample_rate = enc->sample_rate;
     av_channel_layout_copy(&out->ch_layout, &enc->ch_layout);
@@ -278,8 +280,8 @@ void AudioReencoder::sendFixedFrames(bool final)
         chunk->sample_rate = enc->sample_rate;
         av_channel_layout_copy(&chunk->ch_layout, &enc->ch_layout);
         if (av_frame_get_buffer(chunk, 0) < 0 ||
-            av_audio_fifo_read(m_fifo.get(), reinterpret_cast<void**>(chunk->extended_data), chunk->nb_samples) <
-                chunk->nb_samples) {
+            av_audio_fifo_read(m_fifo.get(), reinterpret_cast<void**>(chunk->extended_data),
+                               chunk->nb_samples) < chunk->nb_samples) {
             spdlog::error("Could not take audio samples from the buffer");
             av_audio_fifo_reset(m_fifo.get());
             return;
@@ -319,7 +321,8 @@ void AudioReencoder::flush()
             av_channel_layout_copy(&out->ch_layout, &enc->ch_layout);
             out->nb_samples = static_cast<int>(std::min<int64_t>(pending, INT_MAX / 8));
             if (av_frame_get_buffer(out, 0) >= 0) {
-                const int drained = swr_convert(m_resampler.get(), out->extended_data, out->nb_samples, nullptr, 0);
+                const int drained =
+                    swr_convert(m_resampler.get(), out->extended_data, out->nb_samples, nullptr, 0);
                 if (drained > 0) {
                     out->nb_samples = drained;
                     if (m_frameSize > 0) {

@@ -85,7 +85,8 @@ bool CompressJob::run(const QString& inputPath, const QString& outputPath, int c
     return success;
 }
 
-bool CompressJob::prepare(Session& s, const QString& inputPath, const QString& outputPath, int compressionLevel)
+bool CompressJob::prepare(Session& s, const QString& inputPath, const QString& outputPath,
+                          int compressionLevel)
 {
     const Level level = levelSettings(compressionLevel);
     if (!MediaProbe::openInputFile(inputPath, s.input))
@@ -275,7 +276,8 @@ bool CompressJob::openAudioCoders(Session& s, double factor)
         spdlog::error("Failed to copy audio encoder parameters");
         return false;
     }
-    s.audioOut->time_base = s.audioEncoder->time_base.num > 0 ? s.audioEncoder->time_base : audioIn->time_base;
+    s.audioOut->time_base =
+        s.audioEncoder->time_base.num > 0 ? s.audioEncoder->time_base : audioIn->time_base;
     return true;
 }
 
@@ -329,10 +331,11 @@ bool CompressJob::encodeVideoPacket(Session& s)
             emitCancelled("Video compression cancelled during frame processing");
             return false;
         }
-        if (frame->width != s.scalerWidth || frame->height != s.scalerHeight || frame->format != s.scalerFormat) {
-            s.scaler.reset(sws_getContext(frame->width, frame->height, static_cast<AVPixelFormat>(frame->format),
-                                          converted->width, converted->height, AV_PIX_FMT_YUV420P,
-                                          SWS_BILINEAR, nullptr, nullptr, nullptr));
+        if (frame->width != s.scalerWidth || frame->height != s.scalerHeight ||
+            frame->format != s.scalerFormat) {
+            s.scaler.reset(sws_getContext(
+                frame->width, frame->height, static_cast<AVPixelFormat>(frame->format), converted->width,
+                converted->height, AV_PIX_FMT_YUV420P, SWS_BILINEAR, nullptr, nullptr, nullptr));
             s.scalerWidth = frame->width;
             s.scalerHeight = frame->height;
             s.scalerFormat = frame->format;
@@ -348,12 +351,11 @@ bool CompressJob::encodeVideoPacket(Session& s)
         converted->pts = s.frameCounter++;
         if (avcodec_send_frame(enc, converted) < 0)
             continue;
-        EncodeSteps::writeEncodedPackets(enc, s.output.get(), s.videoOut, s.encoded.get(),
-                                         [this, &s](int64_t pts) {
-                                             spdlog::info("Video frame index:{} pts: {}", s.frameCounter, pts);
-                                             emit m_tool.videoCompressionProgress(
-                                                 EncodeSteps::toSignalValue(s.frameCounter));
-                                         });
+        EncodeSteps::writeEncodedPackets(
+            enc, s.output.get(), s.videoOut, s.encoded.get(), [this, &s](int64_t pts) {
+                spdlog::info("Video frame index:{} pts: {}", s.frameCounter, pts);
+                emit m_tool.videoCompressionProgress(EncodeSteps::toSignalValue(s.frameCounter));
+            });
     }
     return true;
 }

@@ -65,7 +65,8 @@ bool ConvertJob::run(const QString& inputPath, const QString& outputPath, const 
     return result;
 }
 
-bool ConvertJob::prepare(Session& s, const QString& inputPath, const QString& outputPath, const VideoInfo& request)
+bool ConvertJob::prepare(Session& s, const QString& inputPath, const QString& outputPath,
+                         const VideoInfo& request)
 {
     if (!MediaProbe::openInputFile(inputPath, s.input))
         return false;
@@ -73,7 +74,8 @@ bool ConvertJob::prepare(Session& s, const QString& inputPath, const QString& ou
     for (unsigned i = 0; i < in->nb_streams; ++i) {
         const AVStream* st = in->streams[i];
         const AVMediaType type = st->codecpar->codec_type;
-        if (type == AVMEDIA_TYPE_VIDEO && !(st->disposition & AV_DISPOSITION_ATTACHED_PIC) && s.videoIndex < 0)
+        if (type == AVMEDIA_TYPE_VIDEO && !(st->disposition & AV_DISPOSITION_ATTACHED_PIC) &&
+            s.videoIndex < 0)
             s.videoIndex = static_cast<int>(i);
         else if (type == AVMEDIA_TYPE_AUDIO && s.audioIndex < 0)
             s.audioIndex = static_cast<int>(i);
@@ -298,10 +300,11 @@ bool ConvertJob::encodeVideoPacket(Session& s)
         }
         // A stream whose size or format changes on the way gets a scaler for its new form
         // rather than one that would read past the picture.
-        if (frame->width != s.scalerWidth || frame->height != s.scalerHeight || frame->format != s.scalerFormat) {
-            s.scaler.reset(sws_getContext(frame->width, frame->height, static_cast<AVPixelFormat>(frame->format),
-                                          scaled->width, scaled->height, AV_PIX_FMT_YUV420P, SWS_BILINEAR,
-                                          nullptr, nullptr, nullptr));
+        if (frame->width != s.scalerWidth || frame->height != s.scalerHeight ||
+            frame->format != s.scalerFormat) {
+            s.scaler.reset(sws_getContext(
+                frame->width, frame->height, static_cast<AVPixelFormat>(frame->format), scaled->width,
+                scaled->height, AV_PIX_FMT_YUV420P, SWS_BILINEAR, nullptr, nullptr, nullptr));
             s.scalerWidth = frame->width;
             s.scalerHeight = frame->height;
             s.scalerFormat = frame->format;
@@ -311,7 +314,8 @@ bool ConvertJob::encodeVideoPacket(Session& s)
             av_frame_unref(frame);
             continue;
         }
-        sws_scale(s.scaler.get(), frame->data, frame->linesize, 0, frame->height, scaled->data, scaled->linesize);
+        sws_scale(s.scaler.get(), frame->data, frame->linesize, 0, frame->height, scaled->data,
+                  scaled->linesize);
 #if LIBAVUTIL_VERSION_INT >= AV_VERSION_INT(58, 7, 100)
         scaled->flags = (scaled->flags & ~AV_FRAME_FLAG_KEY) | (frame->flags & AV_FRAME_FLAG_KEY);
 #else

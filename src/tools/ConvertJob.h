@@ -5,6 +5,7 @@
 #include <QString>
 
 class CommonTool;
+struct AVStream;
 
 // Writes the input into another container and, where asked, another codec, size, bit rate
 // or frame rate. Runs on the calling thread, reports through the tool's signals and reads
