@@ -12,15 +12,18 @@ void yuv420ToRgb24(const uint8_t* yuv, int width, int height, uint8_t* rgb, int 
 {
     if (!yuv || width < 1 || height < 1)
         return;
-    const int halfW = width / 2;
+    // Chroma rows are ceil(w/2) long and ceil(h/2) high, as the grabber packs them; for even
+    // sizes this is w/2 and (w*h)/4.
+    const int halfW = (width + 1) / 2;
+    const int halfH = (height + 1) / 2;
     const uint8_t* yPlane = yuv;
-    const uint8_t* uPlane = yuv + width * height;
-    const uint8_t* vPlane = uPlane + (width * height) / 4;
+    const uint8_t* uPlane = yuv + static_cast<size_t>(width) * height;
+    const uint8_t* vPlane = uPlane + static_cast<size_t>(halfW) * halfH;
     for (int y = 0; y < height; ++y) {
-        const uint8_t* __restrict yRow = yPlane + y * width;
-        const uint8_t* __restrict uRow = uPlane + (y / 2) * halfW;
-        const uint8_t* __restrict vRow = vPlane + (y / 2) * halfW;
-        uint8_t* __restrict out = rgb + y * rgbStride;
+        const uint8_t* __restrict yRow = yPlane + static_cast<size_t>(y) * width;
+        const uint8_t* __restrict uRow = uPlane + static_cast<size_t>(y / 2) * halfW;
+        const uint8_t* __restrict vRow = vPlane + static_cast<size_t>(y / 2) * halfW;
+        uint8_t* __restrict out = rgb + static_cast<size_t>(y) * rgbStride;
         // Plain indexed arithmetic over the row keeps the loop vectorisable.
         for (int x = 0; x < width; ++x) {
             const int c = 298 * (yRow[x] - 16);
