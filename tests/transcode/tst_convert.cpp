@@ -278,6 +278,10 @@ private slots:
     // then finished(false).
     void cancelFromAnotherThread()
     {
+        // Long enough that the job is still running when the other thread gets its turn.
+        const QString long10s = out("long.mkv");
+        QVERIFY(TestMedia::makeVideo(long10s, 10, 320, 240, 25, false,
+                                     {"-c:v", "libx264", "-preset", "ultrafast"}));
         CommonTool& tool = *CommonTool::instance();
         JobRecorder rec(tool);
         std::atomic<int> frames{0};
@@ -292,7 +296,7 @@ private slots:
         });
         LogCapture log;
         const QString target = out("cancel-threaded.mp4");
-        const bool ok = tool.convertVideoFormat(m_mkv, target, request(kH264));
+        const bool ok = tool.convertVideoFormat(long10s, target, request(kH264));
         canceller.join();
         QVERIFY(!ok);
         rec.checkProtocol(ok, true);
