@@ -1,7 +1,8 @@
 #!/usr/bin/env bash
 # Compress (level 0) and convert (H.264 at a new size and frame rate) with vidora-cli, side by
-# side with the ffmpeg command line doing the same work on the same 1080p clip: wall time and
-# peak resident memory of each, best of RUNS. Run by hand; the machine should be otherwise idle.
+# side with the ffmpeg command line doing the same work on the same 1080p clip: wall time, CPU
+# time (user + system, the steadier figure on a busy machine) and peak resident memory of each,
+# from the fastest of RUNS runs. Run by hand; the machine should be otherwise idle.
 #
 #   bench/transcode.sh            (builds first with scripts/build.sh)
 #   RUNS=3 SECONDS_OF_CLIP=8 bench/transcode.sh
@@ -27,29 +28,32 @@ if [ ! -f "$clip" ]; then
 fi
 video_rate=$(ffprobe -v error -select_streams v:0 -show_entries stream=bit_rate -of csv=p=0 "$clip")
 
-# best_of NAME COMMAND...: runs the command RUNS times, prints the best time and the peak memory
-# of that run.
+# best_of NAME COMMAND...: runs the command RUNS times; prints wall time, CPU time and peak
+# memory of the fastest run.
 best_of() {
   local name=$1; shift
-  local best_t="" best_m=""
+  local best_t="" best_c="" best_m=""
   for _ in $(seq "$runs"); do
-    local stats
-    stats=$(/usr/bin/time -f "%e %M" -o "$work/time.txt" "$@" >/dev/null 2>&1; cat "$work/time.txt")
-    local t=${stats% *} m=${stats#* }
-    if [ -z "$best_t" ] || awk "BEGIN{exit !($t < $best_t)}"; then best_t=$t; best_m=$m; fi
+    /usr/bin/time -f "%e %U %S %M" -o "$work/time.txt" "$@" >/dev/null 2>&1
+    local t u s m
+    read -r t u s m <"$work/time.txt"
+    if [ -z "$best_t" ] || awk "BEGIN{exit !($t < $best_t)}"; then
+      best_t=$t; best_c=$(awk "BEGIN{print $u + $s}"); best_m=$m
+    fi
   done
-  printf '%-28s %8.2f s %8.1f MiB\n' "$name" "$best_t" "$(awk "BEGIN{print $best_m/1024}")"
-  echo "$best_t $best_m"  >"$work/$name.result"
+  printf '%-18s wall %7.2f s  cpu %7.2f s  peak %7.1f MiB\n' "$name" "$best_t" "$best_c" \
+    "$(awk "BEGIN{print $best_m/1024}")"
+  echo "$best_t $best_c $best_m" >"$work/$name.result"
 }
 
 ratio() {
-  read -r t1 m1 <"$work/$1.result"
-  read -r t2 m2 <"$work/$2.result"
-  awk -v t1="$t1" -v t2="$t2" -v m1="$m1" -v m2="$m2" \
-    'BEGIN{printf "  time %.3fx, memory %+.1f MiB\n", t1/t2, (m1-m2)/1024}'
+  read -r t1 c1 m1 <"$work/$1.result"
+  read -r t2 c2 m2 <"$work/$2.result"
+  awk -v t1="$t1" -v t2="$t2" -v c1="$c1" -v c2="$c2" -v m1="$m1" -v m2="$m2" \
+    'BEGIN{printf "  vidora/ffmpeg: wall %.3fx, cpu %.3fx, peak memory %+.1f MiB\n", t1/t2, c1/c2, (m1-m2)/1024}'
 }
 
-echo "clip: $clip (video $((video_rate / 1000)) kbit/s), best of $runs"
+echo "clip: $clip (video $((video_rate / 1000)) kbit/s), best of $runs; load: $(cut -d' ' -f1-3 /proc/loadavg)"
 
 # Compress level 0: 90% of the source's video bit rate, crf 18, preset medium, GOP 30, audio copied.
 compress_rate=$(awk "BEGIN{printf \"%d\", $video_rate * 0.9}")

@@ -121,10 +121,7 @@ bool CompressJob::prepare(Session& s, const QString& inputPath, const QString& o
         return false;
     }
     s.videoDecoder->pkt_timebase = videoIn->time_base;
-    // Slice threads only: frame threads would hold back several more frames, and frames the
-    // decoder still holds at the end of the input are not encoded.
-    s.videoDecoder->thread_count = 0;
-    s.videoDecoder->thread_type = FF_THREAD_SLICE;
+    EncodeSteps::configureDecoderThreads(s.videoDecoder.get());
     if (avcodec_open2(s.videoDecoder.get(), decoder, nullptr) < 0) {
         spdlog::error("Failed to open video decoder");
         return false;

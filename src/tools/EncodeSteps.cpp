@@ -1,5 +1,10 @@
 #include "EncodeSteps.h"
 
+extern "C" {
+#include <libavutil/cpu.h>
+}
+
+#include <algorithm>
 #include <climits>
 #include <spdlog/spdlog.h>
 
@@ -59,6 +64,13 @@ AVRational guessFrameRate(AVFormatContext* input, AVStream* stream)
         return rate;
     spdlog::warn("Frame rate of stream {} unknown, assuming 25", stream->index);
     return AVRational{25, 1};
+}
+
+void configureDecoderThreads(AVCodecContext* decoder)
+{
+    constexpr int kMaxDecoderThreads = 4;
+    decoder->thread_count = std::min(av_cpu_count() + 1, kMaxDecoderThreads);
+    decoder->thread_type = FF_THREAD_FRAME | FF_THREAD_SLICE;
 }
 
 void applyGlobalHeader(AVCodecContext* encoder, const AVFormatContext* output)

@@ -26,6 +26,12 @@ bool writeEncodedPackets(AVCodecContext* encoder, AVFormatContext* output, AVStr
 // never gets an empty time base.
 AVRational guessFrameRate(AVFormatContext* input, AVStream* stream);
 
+// Threads for a video decoder whose last frames are never drained: frame threading keeps
+// decoding off the critical path of fast encodes (a downscaling conversion of a high-rate
+// source is otherwise decode-bound), but every extra thread is one more frame still held, and
+// so dropped, at the end of the input. A few threads get most of the speed.
+void configureDecoderThreads(AVCodecContext* decoder);
+
 // Asks for the muxer's global headers when the output format wants them.
 void applyGlobalHeader(AVCodecContext* encoder, const AVFormatContext* output);
 

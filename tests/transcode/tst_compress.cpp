@@ -142,7 +142,8 @@ private slots:
         const int written = Transcode::packetCount(target, "v:0");
         QVERIFY(progress.back() <= rec.total());
         QVERIFY(written >= progress.back());
-        QVERIFY2(written >= rec.total() - 4, qPrintable(QString::number(written)));
+        // Reordering delay plus at most three frames in the decoder's threads.
+        QVERIFY2(written >= rec.total() - 8, qPrintable(QString::number(written)));
     }
 
     void cancelMidwayLeavesNoTrailer()
