@@ -2,7 +2,7 @@
 # Compress (level 0) and convert (H.264 at a new size and frame rate) with vidora-cli, side by
 # side with the ffmpeg command line doing the same work on the same 1080p clip: wall time, CPU
 # time (user + system, the steadier figure on a busy machine) and peak resident memory of each,
-# from the fastest of RUNS runs. Run by hand; the machine should be otherwise idle.
+# from the fastest of RUNS runs each. Run by hand; the machine should be otherwise idle.
 #
 #   bench/transcode.sh            (builds first with scripts/build.sh)
 #   RUNS=3 SECONDS_OF_CLIP=8 bench/transcode.sh
@@ -28,22 +28,23 @@ if [ ! -f "$clip" ]; then
 fi
 video_rate=$(ffprobe -v error -select_streams v:0 -show_entries stream=bit_rate -of csv=p=0 "$clip")
 
-# best_of NAME COMMAND...: runs the command RUNS times; prints wall time, CPU time and peak
-# memory of the fastest run.
-best_of() {
+# measure NAME COMMAND...: runs the command once and keeps wall time, CPU time and peak memory
+# of the fastest run so far under NAME.
+measure() {
   local name=$1; shift
-  local best_t="" best_c="" best_m=""
-  for _ in $(seq "$runs"); do
-    /usr/bin/time -f "%e %U %S %M" -o "$work/time.txt" "$@" >/dev/null 2>&1
-    local t u s m
-    read -r t u s m <"$work/time.txt"
-    if [ -z "$best_t" ] || awk "BEGIN{exit !($t < $best_t)}"; then
-      best_t=$t; best_c=$(awk "BEGIN{print $u + $s}"); best_m=$m
-    fi
-  done
-  printf '%-18s wall %7.2f s  cpu %7.2f s  peak %7.1f MiB\n' "$name" "$best_t" "$best_c" \
-    "$(awk "BEGIN{print $best_m/1024}")"
-  echo "$best_t $best_c $best_m" >"$work/$name.result"
+  /usr/bin/time -f "%e %U %S %M" -o "$work/time.txt" "$@" >/dev/null 2>&1
+  local t u s m
+  read -r t u s m <"$work/time.txt"
+  if [ ! -f "$work/$name.result" ] || awk -v t="$t" -v b="$(cut -d' ' -f1 "$work/$name.result")" \
+    'BEGIN{exit !(t < b)}'; then
+    echo "$t $(awk "BEGIN{print $u + $s}") $m" >"$work/$name.result"
+  fi
+}
+
+show() {
+  local t c m
+  read -r t c m <"$work/$1.result"
+  printf '%-18s wall %7.2f s  cpu %7.2f s  peak %7.1f MiB\n' "$1" "$t" "$c" "$(awk "BEGIN{print $m/1024}")"
 }
 
 ratio() {
@@ -55,18 +56,25 @@ ratio() {
 
 echo "clip: $clip (video $((video_rate / 1000)) kbit/s), best of $runs; load: $(cut -d' ' -f1-3 /proc/loadavg)"
 
+rm -f "$work"/*.result
 # Compress level 0: 90% of the source's video bit rate, crf 18, preset medium, GOP 30, audio copied.
 compress_rate=$(awk "BEGIN{printf \"%d\", $video_rate * 0.9}")
-best_of compress-vidora "$cli" -q compress "$clip" "$work/compress-vidora.mp4" --level 0
-best_of compress-ffmpeg ffmpeg -hide_banner -loglevel error -y -i "$clip" -map 0:v:0 -map 0:a:0 \
-  -c:v libx264 -preset medium -crf 18 -b:v "$compress_rate" -g 30 -pix_fmt yuv420p -c:a copy \
-  "$work/compress-ffmpeg.mp4"
-ratio compress-vidora compress-ffmpeg
-
 # Convert: H.264 at 1280x720 and 24 fps, 4096 kbit/s, GOP 12, bilinear scaling, audio copied.
-best_of convert-vidora "$cli" -q convert "$clip" "$work/convert-vidora.mp4" --codec h264 \
-  --width 1280 --height 720 --fps 24 --bitrate 4096
-best_of convert-ffmpeg ffmpeg -hide_banner -loglevel error -y -i "$clip" -map 0:v:0 -map 0:a:0 \
-  -vf scale=1280:720:flags=bilinear -r 24 -c:v libx264 -b:v 4096k -g 12 -pix_fmt yuv420p -c:a copy \
-  "$work/convert-ffmpeg.mp4"
+# The two programs take turns, so a change in the machine's load hits both alike.
+for _ in $(seq "$runs"); do
+  measure compress-vidora "$cli" -q compress "$clip" "$work/compress-vidora.mp4" --level 0
+  measure compress-ffmpeg ffmpeg -hide_banner -loglevel error -y -i "$clip" -map 0:v:0 -map 0:a:0 \
+    -c:v libx264 -preset medium -crf 18 -b:v "$compress_rate" -g 30 -pix_fmt yuv420p -c:a copy \
+    "$work/compress-ffmpeg.mp4"
+  measure convert-vidora "$cli" -q convert "$clip" "$work/convert-vidora.mp4" --codec h264 \
+    --width 1280 --height 720 --fps 24 --bitrate 4096
+  measure convert-ffmpeg ffmpeg -hide_banner -loglevel error -y -i "$clip" -map 0:v:0 -map 0:a:0 \
+    -vf scale=1280:720:flags=bilinear -r 24 -c:v libx264 -b:v 4096k -g 12 -pix_fmt yuv420p -c:a copy \
+    "$work/convert-ffmpeg.mp4"
+done
+show compress-vidora
+show compress-ffmpeg
+ratio compress-vidora compress-ffmpeg
+show convert-vidora
+show convert-ffmpeg
 ratio convert-vidora convert-ffmpeg
