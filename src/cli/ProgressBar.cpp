@@ -61,11 +61,15 @@ QString ProgressBar::render(const QString& label, int done, int total, qint64 el
     else if (total > 0 && done >= total)
         left = tool->formatTime(0);
     const int percent = total > 0 ? static_cast<int>(std::min<qint64>(100, qint64(done) * 100 / total)) : 0;
-    const QString counts = total > 0 ? QStringLiteral("%1/%2").arg(done).arg(total) : QString::number(done);
+    // Fixed-width fields, so the bar does not jump as the numbers grow.
+    const QString totalText = QString::number(total);
+    const QString counts = total > 0 ? QStringLiteral("%1/%2").arg(done, totalText.size()).arg(totalText)
+                                     : QString::number(done);
     const QString tail = QStringLiteral(" %1 %2% elapsed %3 left %4")
                              .arg(counts)
                              .arg(percent, 3)
-                             .arg(tool->formatTime(elapsed), left);
+                             .arg(tool->formatTime(elapsed))
+                             .arg(left, 9);
 
     // The bar takes what the terminal leaves, within sensible bounds; one column stays free so
     // the cursor never wraps.
