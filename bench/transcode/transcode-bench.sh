@@ -4,10 +4,12 @@
 # time (user + system, the steadier figure on a busy machine) and peak resident memory of each,
 # from the fastest of RUNS runs each. Run by hand; the machine should be otherwise idle.
 #
-#   bench/transcode.sh            (builds first with scripts/build.sh)
-#   RUNS=3 SECONDS_OF_CLIP=8 bench/transcode.sh
+#   bench/transcode/transcode-bench.sh            (builds first with scripts/build.sh)
+#   RUNS=3 SECONDS_OF_CLIP=8 bench/transcode/transcode-bench.sh
+# The clip stays in BENCH_DIR (default /tmp/vidora-bench) for later runs; the outputs are
+# removed at the end unless KEEP=1.
 set -euo pipefail
-root=$(cd "$(dirname "$0")/.." && pwd)
+root=$(cd "$(dirname "$0")/../.." && pwd)
 build=${BUILD_DIR:-$root/build}
 work=${BENCH_DIR:-${TMPDIR:-/tmp}/vidora-bench}
 runs=${RUNS:-2}
@@ -78,3 +80,4 @@ ratio compress-vidora compress-ffmpeg
 show convert-vidora
 show convert-ffmpeg
 ratio convert-vidora convert-ffmpeg
+[ "${KEEP:-0}" = 1 ] || rm -f "$work"/compress-*.mp4 "$work"/convert-*.mp4
