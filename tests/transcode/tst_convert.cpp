@@ -26,7 +26,6 @@ VideoInfo request(int codecId, int audioCodecId = 0, int64_t audioBitrate = 0)
 }
 
 constexpr int kH264 = 27;
-constexpr int kHevc = 173;
 constexpr int kAac = 86018;
 constexpr int kMp3 = 86017;
 constexpr int kFlac = 86028;
@@ -155,14 +154,6 @@ private slots:
         QVERIFY(CommonTool::instance()->convertVideoFormat(m_mkv, target, info));
         QCOMPARE(TestMedia::probe(target, "stream=width,height", "v:0"), QString("640\n360"));
         QVERIFY(Transcode::decodeErrors(target, "0").isEmpty());
-    }
-
-    void hevcRequestGivesHevc()
-    {
-        const QString target = out("hevc.mkv");
-        QVERIFY(CommonTool::instance()->convertVideoFormat(m_30fps, target, request(kHevc)));
-        QCOMPARE(TestMedia::probe(target, "stream=codec_name,width,height", "v:0"),
-                 QString("hevc\n160\n120"));
     }
 
     void audioCodecZeroCopiesTheAudio()
