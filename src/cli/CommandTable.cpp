@@ -1,6 +1,8 @@
 #include "CommandTable.h"
 
 #include "ClipCommand.h"
+#include "CompressCommand.h"
+#include "ConvertCommand.h"
 #include "MergeCommand.h"
 #include "ProbeCommand.h"
 #include "ThumbnailCommand.h"
@@ -10,6 +12,8 @@ std::vector<std::unique_ptr<CliCommand>> allCommands()
     std::vector<std::unique_ptr<CliCommand>> commands;
     commands.push_back(std::make_unique<ProbeCommand>());
     commands.push_back(std::make_unique<ClipCommand>());
+    commands.push_back(std::make_unique<CompressCommand>());
+    commands.push_back(std::make_unique<ConvertCommand>());
     commands.push_back(std::make_unique<MergeCommand>());
     commands.push_back(std::make_unique<ThumbnailCommand>());
     return commands;

@@ -1,12 +1,375 @@
 #include "CompressJob.h"
 
 #include "CommonTool.h"
+#include "EncodeSteps.h"
+#include "FfmpegPtr.h"
+#include "MediaProbe.h"
 
-// Placeholder until the job is written: keeps the reporting protocol (finished once).
+extern "C" {
+#include <libavutil/opt.h>
+}
+
+#include <spdlog/spdlog.h>
+
+namespace {
+
+struct Level
+{
+    double factor; // multiplies the input's video and audio bit rates
+    int crf;       // the video encoder's constant-quality factor
+};
+
+Level levelSettings(int compressionLevel)
+{
+    switch (compressionLevel) {
+    case 0:
+        return {0.9, 18};
+    case 2:
+        return {0.3, 28};
+    default: // 1 and every value outside the table
+        return {0.7, 23};
+    }
+}
+
+} // namespace
+
+// Everything one compression holds; destroyed (files closed) before the finished signal.
+struct CompressJob::Session
+{
+    ff::InputFormatPtr input;
+    ff::OutputFormatPtr output;
+    ff::CodecContextPtr videoDecoder;
+    ff::CodecContextPtr videoEncoder;
+    ff::CodecContextPtr audioDecoder;
+    ff::CodecContextPtr audioEncoder;
+    ff::SwsPtr scaler;
+    ff::FramePtr decoded;
+    ff::FramePtr converted;
+    ff::PacketPtr packet;
+    ff::PacketPtr encoded;
+    int videoIndex = -1;
+    int audioIndex = -1;
+    AVStream* videoOut = nullptr;
+    AVStream* audioOut = nullptr;
+    // The source the scaler was made for; a decoded frame of another size or format gets a
+    // new scaler instead of being read out of bounds.
+    int scalerWidth = 0;
+    int scalerHeight = 0;
+    int scalerFormat = AV_PIX_FMT_NONE;
+    int64_t frameCounter = 0;
+};
+
 CompressJob::CompressJob(CommonTool& tool) : m_tool(tool) {}
 
-bool CompressJob::run(const QString&, const QString&, int)
+bool CompressJob::run(const QString& inputPath, const QString& outputPath, int compressionLevel)
 {
-    emit m_tool.videoCompressionFinished(false);
-    return false;
+    spdlog::info("compressVideo: {} -> {}, level: {}", inputPath.toStdString(), outputPath.toStdString(),
+                 compressionLevel);
+    bool loopReached = false;
+    {
+        Session s;
+        if (prepare(s, inputPath, outputPath, compressionLevel)) {
+            loopReached = true;
+            const LoopEnd end = mainLoop(s);
+            if (end == LoopEnd::EndOfInput && !m_tool.isCancelled()) {
+                // The decoder is deliberately not drained: frames it still holds at the end
+                // of the input are not encoded.
+                flushVideoEncoder(s);
+                av_write_trailer(s.output.get());
+            }
+        }
+    }
+    const bool success = loopReached && !m_tool.isCancelled();
+    spdlog::info("Video compression completed: {}", success ? "success" : "failed");
+    emit m_tool.videoCompressionFinished(success);
+    return success;
+}
+
+bool CompressJob::prepare(Session& s, const QString& inputPath, const QString& outputPath,
+                          int compressionLevel)
+{
+    const Level level = levelSettings(compressionLevel);
+    if (!MediaProbe::openInputFile(inputPath, s.input))
+        return false;
+    AVFormatContext* in = s.input.get();
+
+    // Unlike conversion, an attached picture counts as the video stream here.
+    for (unsigned i = 0; i < in->nb_streams; ++i) {
+        const AVMediaType type = in->streams[i]->codecpar->codec_type;
+        if (type == AVMEDIA_TYPE_VIDEO && s.videoIndex < 0)
+            s.videoIndex = static_cast<int>(i);
+        else if (type == AVMEDIA_TYPE_AUDIO && s.audioIndex < 0)
+            s.audioIndex = static_cast<int>(i);
+    }
+    if (s.videoIndex < 0) {
+        spdlog::error("No video stream found");
+        return false;
+    }
+    if (!MediaProbe::createOutputContext(s.output, outputPath))
+        return false;
+
+    int64_t total = 0;
+    if (EncodeSteps::countVideoPackets(in, s.videoIndex, &total))
+        emit m_tool.videoCompressionFrameTotal(EncodeSteps::toSignalValue(total));
+
+    AVStream* videoIn = in->streams[s.videoIndex];
+    const AVCodec* decoder = avcodec_find_decoder(videoIn->codecpar->codec_id);
+    if (decoder)
+        s.videoDecoder.reset(avcodec_alloc_context3(decoder));
+    if (!s.videoDecoder || avcodec_parameters_to_context(s.videoDecoder.get(), videoIn->codecpar) < 0) {
+        spdlog::error("Failed to open video decoder");
+        return false;
+    }
+    s.videoDecoder->pkt_timebase = videoIn->time_base;
+    EncodeSteps::configureDecoderThreads(s.videoDecoder.get());
+    if (avcodec_open2(s.videoDecoder.get(), decoder, nullptr) < 0) {
+        spdlog::error("Failed to open video decoder");
+        return false;
+    }
+
+    if (!openVideoEncoder(s, level.factor, level.crf))
+        return false;
+    if (s.audioIndex >= 0 && !openAudioCoders(s, level.factor))
+        return false;
+
+    AVCodecContext* dec = s.videoDecoder.get();
+    s.scaler.reset(sws_getContext(dec->width, dec->height, dec->pix_fmt, dec->width, dec->height,
+                                  AV_PIX_FMT_YUV420P, SWS_BILINEAR, nullptr, nullptr, nullptr));
+    if (!s.scaler) {
+        spdlog::error("Failed to create scaling context");
+        return false;
+    }
+    s.scalerWidth = dec->width;
+    s.scalerHeight = dec->height;
+    s.scalerFormat = dec->pix_fmt;
+
+    AVFormatContext* out = s.output.get();
+    if (!(out->oformat->flags & AVFMT_NOFILE)) {
+        if (avio_open(&out->pb, outputPath.toUtf8().constData(), AVIO_FLAG_WRITE) < 0) {
+            spdlog::error("Could not open output file: {}", outputPath.toStdString());
+            return false;
+        }
+    }
+    if (avformat_write_header(out, nullptr) < 0) {
+        spdlog::error("Error occurred when writing header");
+        return false;
+    }
+
+    s.decoded = ff::makeFrame();
+    s.converted = ff::makeFrame();
+    s.packet = ff::makePacket();
+    s.encoded = ff::makePacket();
+    if (!s.decoded || !s.converted || !s.packet || !s.encoded)
+        return false;
+    // The picture keeps the decoder's (possibly odd) size; the encoder reads its even part.
+    s.converted->format = AV_PIX_FMT_YUV420P;
+    s.converted->width = dec->width;
+    s.converted->height = dec->height;
+    if (av_frame_get_buffer(s.converted.get(), 0) < 0) {
+        spdlog::error("Could not allocate the converted picture");
+        return false;
+    }
+    return true;
+}
+
+bool CompressJob::openVideoEncoder(Session& s, double factor, int crf)
+{
+    AVFormatContext* in = s.input.get();
+    AVStream* videoIn = in->streams[s.videoIndex];
+    AVCodecContext* dec = s.videoDecoder.get();
+
+    // The input's own codec, so an HEVC source stays HEVC.
+    const AVCodec* encoder = avcodec_find_encoder(videoIn->codecpar->codec_id);
+    if (!encoder) {
+        spdlog::error("H264 encoder not found");
+        return false;
+    }
+    s.videoOut = avformat_new_stream(s.output.get(), nullptr);
+    s.videoEncoder.reset(avcodec_alloc_context3(encoder));
+    if (!s.videoOut || !s.videoEncoder) {
+        spdlog::error("Failed to open video encoder");
+        return false;
+    }
+    AVCodecContext* enc = s.videoEncoder.get();
+    enc->codec_id = encoder->id;
+    enc->width = dec->width & ~1;
+    enc->height = dec->height & ~1;
+    enc->thread_count = 0;
+    enc->thread_type = FF_THREAD_FRAME | FF_THREAD_SLICE;
+    enc->framerate = EncodeSteps::guessFrameRate(in, videoIn);
+    enc->time_base = av_inv_q(enc->framerate);
+    s.videoOut->time_base = enc->time_base;
+    enc->pix_fmt = AV_PIX_FMT_YUV420P;
+    enc->bit_rate = static_cast<int64_t>(static_cast<double>(dec->bit_rate) * factor);
+    enc->gop_size = 30;
+    // Encoders without these options simply ignore them.
+    av_opt_set_int(enc, "crf", crf, AV_OPT_SEARCH_CHILDREN);
+    av_opt_set(enc, "preset", "medium", AV_OPT_SEARCH_CHILDREN);
+    EncodeSteps::applyGlobalHeader(enc, s.output.get());
+    if (avcodec_open2(enc, encoder, nullptr) < 0) {
+        spdlog::error("Failed to open video encoder");
+        return false;
+    }
+    if (avcodec_parameters_from_context(s.videoOut->codecpar, enc) < 0) {
+        spdlog::error("Failed to copy video encoder parameters");
+        return false;
+    }
+    return true;
+}
+
+bool CompressJob::openAudioCoders(Session& s, double factor)
+{
+    AVStream* audioIn = s.input->streams[s.audioIndex];
+    const AVCodec* decoder = avcodec_find_decoder(audioIn->codecpar->codec_id);
+    if (decoder)
+        s.audioDecoder.reset(avcodec_alloc_context3(decoder));
+    if (!s.audioDecoder || avcodec_parameters_to_context(s.audioDecoder.get(), audioIn->codecpar) < 0 ||
+        avcodec_open2(s.audioDecoder.get(), decoder, nullptr) < 0) {
+        spdlog::error("Failed to open audio decoder");
+        return false;
+    }
+    AVCodecContext* dec = s.audioDecoder.get();
+
+    const AVCodec* encoder = avcodec_find_encoder(audioIn->codecpar->codec_id);
+    if (!encoder) {
+        spdlog::error("AAC encoder not found");
+        return false;
+    }
+    s.audioOut = avformat_new_stream(s.output.get(), nullptr);
+    if (!s.audioOut) {
+        spdlog::error("Failed to open audio encoder");
+        return false;
+    }
+
+    // The audio packets are copied, not re-encoded: the encoder only describes the output
+    // stream. When the source's own encoder cannot be opened, an AAC encoder describes it.
+    auto configure = [&](const AVCodec* codec, bool globalHeader) {
+        ff::CodecContextPtr ctx(avcodec_alloc_context3(codec));
+        if (!ctx)
+            return ctx;
+        ctx->codec_id = codec->id;
+        ctx->bit_rate = static_cast<int64_t>(static_cast<double>(dec->bit_rate) * factor);
+        ctx->sample_rate = dec->sample_rate;
+        av_channel_layout_copy(&ctx->ch_layout, &dec->ch_layout);
+        ctx->strict_std_compliance = FF_COMPLIANCE_EXPERIMENTAL;
+        if (codec->sample_fmts)
+            ctx->sample_fmt = codec->sample_fmts[0];
+        if (dec->sample_rate > 0)
+            ctx->time_base = AVRational{1, dec->sample_rate};
+        if (globalHeader)
+            EncodeSteps::applyGlobalHeader(ctx.get(), s.output.get());
+        return ctx;
+    };
+
+    s.audioEncoder = configure(encoder, true);
+    if (!s.audioEncoder || avcodec_open2(s.audioEncoder.get(), encoder, nullptr) < 0) {
+        spdlog::error("Failed to open audio encoder");
+        s.audioEncoder.reset();
+        const AVCodec* aac = avcodec_find_encoder(AV_CODEC_ID_AAC);
+        if (aac) {
+            s.audioEncoder = configure(aac, false);
+            // Kept as it always was: the fallback's open result is not checked.
+            if (s.audioEncoder)
+                avcodec_open2(s.audioEncoder.get(), aac, nullptr);
+        }
+    }
+    if (!s.audioEncoder || avcodec_parameters_from_context(s.audioOut->codecpar, s.audioEncoder.get()) < 0) {
+        spdlog::error("Failed to copy audio encoder parameters");
+        return false;
+    }
+    s.audioOut->time_base =
+        s.audioEncoder->time_base.num > 0 ? s.audioEncoder->time_base : audioIn->time_base;
+    return true;
+}
+
+CompressJob::LoopEnd CompressJob::mainLoop(Session& s)
+{
+    AVFormatContext* in = s.input.get();
+    AVPacket* packet = s.packet.get();
+    for (;;) {
+        if (m_tool.isCancelled()) {
+            emitCancelled("Video compression cancelled by user");
+            return LoopEnd::CancelledBetweenPackets;
+        }
+        const int ret = av_read_frame(in, packet);
+        if (ret < 0) {
+            spdlog::info("read frame failed {}", ff::errorText(ret));
+            return LoopEnd::EndOfInput;
+        }
+        if (packet->stream_index == s.videoIndex) {
+            if (!encodeVideoPacket(s)) {
+                av_packet_unref(packet);
+                return LoopEnd::CancelledInFrame;
+            }
+        } else if (packet->stream_index == s.audioIndex && s.audioEncoder) {
+            const AVRational inBase = in->streams[s.audioIndex]->time_base;
+            packet->stream_index = s.audioOut->index;
+            av_packet_rescale_ts(packet, inBase, s.audioOut->time_base);
+            packet->pos = -1;
+            av_interleaved_write_frame(s.output.get(), packet);
+        }
+        av_packet_unref(packet);
+        if (m_tool.isCancelled()) {
+            emitCancelled("Video compression cancelled by user");
+            return LoopEnd::CancelledBetweenPackets;
+        }
+    }
+}
+
+bool CompressJob::encodeVideoPacket(Session& s)
+{
+    AVCodecContext* dec = s.videoDecoder.get();
+    AVCodecContext* enc = s.videoEncoder.get();
+    AVFrame* frame = s.decoded.get();
+    AVFrame* converted = s.converted.get();
+
+    // A damaged packet is skipped; the decoder resynchronises on the next ones.
+    if (avcodec_send_packet(dec, s.packet.get()) < 0)
+        return true;
+    while (avcodec_receive_frame(dec, frame) >= 0) {
+        if (m_tool.isCancelled()) {
+            av_frame_unref(frame);
+            emitCancelled("Video compression cancelled during frame processing");
+            return false;
+        }
+        if (frame->width != s.scalerWidth || frame->height != s.scalerHeight ||
+            frame->format != s.scalerFormat) {
+            s.scaler.reset(sws_getContext(
+                frame->width, frame->height, static_cast<AVPixelFormat>(frame->format), converted->width,
+                converted->height, AV_PIX_FMT_YUV420P, SWS_BILINEAR, nullptr, nullptr, nullptr));
+            s.scalerWidth = frame->width;
+            s.scalerHeight = frame->height;
+            s.scalerFormat = frame->format;
+        }
+        // The encoder may still hold the previous picture; never write into a shared buffer.
+        if (!s.scaler || av_frame_make_writable(converted) < 0) {
+            av_frame_unref(frame);
+            continue;
+        }
+        sws_scale(s.scaler.get(), frame->data, frame->linesize, 0, frame->height, converted->data,
+                  converted->linesize);
+        av_frame_unref(frame);
+        converted->pts = s.frameCounter++;
+        if (avcodec_send_frame(enc, converted) < 0)
+            continue;
+        EncodeSteps::writeEncodedPackets(
+            enc, s.output.get(), s.videoOut, s.encoded.get(), [this, &s](int64_t pts) {
+                spdlog::info("Video frame index:{} pts: {}", s.frameCounter, pts);
+                emit m_tool.videoCompressionProgress(EncodeSteps::toSignalValue(s.frameCounter));
+            });
+    }
+    return true;
+}
+
+void CompressJob::flushVideoEncoder(Session& s)
+{
+    if (avcodec_send_frame(s.videoEncoder.get(), nullptr) < 0)
+        return;
+    EncodeSteps::writeEncodedPackets(s.videoEncoder.get(), s.output.get(), s.videoOut, s.encoded.get());
+}
+
+void CompressJob::emitCancelled(const char* message)
+{
+    spdlog::info("{}", message);
+    emit m_tool.videoCompressionCancelled();
 }

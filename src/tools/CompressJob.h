@@ -6,7 +6,8 @@ class CommonTool;
 
 // Re-encodes the video with the input's own codec at one of three levels and carries the
 // first audio stream over. Runs on the calling thread (a pool thread for the async form),
-// reports through the tool's signals and reads its cancel flag. Owns all of its contexts.
+// reports through the tool's signals and reads its cancel flag. Owns all of its contexts;
+// they are released before the finished signal goes out, so receivers find the file closed.
 class CompressJob
 {
 public:
@@ -15,5 +16,22 @@ public:
     bool run(const QString& inputPath, const QString& outputPath, int compressionLevel);
 
 private:
+    struct Session;
+    enum class LoopEnd
+    {
+        EndOfInput,
+        CancelledBetweenPackets,
+        CancelledInFrame,
+    };
+
+    bool prepare(Session& s, const QString& inputPath, const QString& outputPath, int compressionLevel);
+    bool openVideoEncoder(Session& s, double factor, int crf);
+    bool openAudioCoders(Session& s, double factor);
+    LoopEnd mainLoop(Session& s);
+    // False when the cancel flag was seen between two decoded frames.
+    bool encodeVideoPacket(Session& s);
+    void flushVideoEncoder(Session& s);
+    void emitCancelled(const char* message);
+
     CommonTool& m_tool;
 };

@@ -5,10 +5,12 @@
 #include <QString>
 
 class CommonTool;
+struct AVStream;
 
 // Writes the input into another container and, where asked, another codec, size, bit rate
 // or frame rate. Runs on the calling thread, reports through the tool's signals and reads
-// its cancel flag. Owns all of its contexts.
+// its cancel flag. Owns all of its contexts; they are released before the finished signal
+// goes out, so receivers find the output file closed.
 class ConvertJob
 {
 public:
@@ -17,5 +19,24 @@ public:
     bool run(const QString& inputPath, const QString& outputPath, const VideoInfo& request);
 
 private:
+    struct Session;
+    enum class LoopEnd
+    {
+        EndOfInput,
+        CancelledBetweenPackets,
+        CancelledInFrame,
+    };
+
+    bool prepare(Session& s, const QString& inputPath, const QString& outputPath, const VideoInfo& request);
+    bool setUpVideoCopy(Session& s);
+    bool setUpVideoEncode(Session& s, const VideoInfo& request);
+    bool setUpAudio(Session& s, const VideoInfo& request);
+    LoopEnd mainLoop(Session& s);
+    // False when the cancel flag was seen between two decoded frames.
+    bool encodeVideoPacket(Session& s);
+    void encodeFrameSlots(Session& s);
+    void copyPacket(Session& s, AVStream* out);
+    void flush(Session& s);
+
     CommonTool& m_tool;
 };
