@@ -1,5 +1,6 @@
 #include "QmlRegistration.h"
 
+#include "CommonTool.h"
 #include "ConfigHelper.h"
 #include "FileHelper.h"
 
@@ -11,8 +12,7 @@ namespace {
 constexpr const char* kUri = "CustomUtils";
 
 // The engine must never delete a shared service, whatever it thinks it owns.
-template <typename T>
-QObject* shared(T* instance)
+template <typename T> QObject* shared(T* instance)
 {
     QQmlEngine::setObjectOwnership(instance, QQmlEngine::CppOwnership);
     return instance;
@@ -29,14 +29,17 @@ ConfigHelper* configHelper()
 void registerQmlTypes()
 {
     // Singletons, in table order.
+    qmlRegisterSingletonType<CommonTool>(
+        kUri, 1, 0, "CommonTool", [](QQmlEngine*, QJSEngine*) { return shared(CommonTool::instance()); });
     qmlRegisterSingletonType<ConfigHelper>(kUri, 1, 0, "ConfigHelper",
                                            [](QQmlEngine*, QJSEngine*) { return shared(configHelper()); });
-    qmlRegisterSingletonType<FileHelper>(kUri, 1, 0, "FileHelper",
-                                         [](QQmlEngine*, QJSEngine*) { return shared(FileHelper::instance()); });
+    qmlRegisterSingletonType<FileHelper>(
+        kUri, 1, 0, "FileHelper", [](QQmlEngine*, QJSEngine*) { return shared(FileHelper::instance()); });
 }
 
 void finishEngineSetup(QQmlApplicationEngine& engine)
 {
     Q_UNUSED(engine)
+    QQmlEngine::setObjectOwnership(CommonTool::instance(), QQmlEngine::CppOwnership);
     QQmlEngine::setObjectOwnership(FileHelper::instance(), QQmlEngine::CppOwnership);
 }

@@ -1,0 +1,19 @@
+#pragma once
+
+#include <QString>
+
+class CommonTool;
+
+// Copies the packets of a time range into a new file without re-encoding. Runs on the
+// calling thread (a pool thread for the async form), reports through the tool's signals and
+// reads its cancel flag. Owns all of its contexts.
+class CropJob
+{
+public:
+    explicit CropJob(CommonTool& tool);
+    // Returns the value also sent with videoCompressionFinished.
+    bool run(const QString& inputPath, const QString& outputPath, double startTime, double endTime);
+
+private:
+    CommonTool& m_tool;
+};

@@ -1,0 +1,16 @@
+#pragma once
+
+#include <QString>
+#include <cstdint>
+
+// Decodes one picture at or before a time and hands it out as packed I420 at the stream's
+// coded size. Stateless: each call opens and releases its own demuxer, decoder and scaler,
+// so any thread may call it at any time.
+class FrameGrabber
+{
+public:
+    // On success *buffer is a new av_malloc block the caller releases with av_free: Y plane of
+    // width x height bytes, then U and V of ceil(width/2) x ceil(height/2) bytes each, rows
+    // without padding. On any failure *buffer is null and width and height are 0.
+    static void grab(const QString& filePath, double seconds, uint8_t** buffer, int* width, int* height);
+};
