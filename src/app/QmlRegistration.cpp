@@ -3,6 +3,7 @@
 #include "CommonTool.h"
 #include "ConfigHelper.h"
 #include "FileHelper.h"
+#include "SqlHelper.h"
 
 #include <QQmlApplicationEngine>
 #include <QQmlEngine>
@@ -35,6 +36,8 @@ void registerQmlTypes()
                                            [](QQmlEngine*, QJSEngine*) { return shared(configHelper()); });
     qmlRegisterSingletonType<FileHelper>(
         kUri, 1, 0, "FileHelper", [](QQmlEngine*, QJSEngine*) { return shared(FileHelper::instance()); });
+    qmlRegisterSingletonType<SqlHelper>(kUri, 1, 0, "SqlHelper",
+                                        [](QQmlEngine*, QJSEngine*) { return shared(SqlHelper::instance()); });
 }
 
 void finishEngineSetup(QQmlApplicationEngine& engine)

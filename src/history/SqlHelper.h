@@ -23,8 +23,9 @@ public:
     explicit SqlHelper(const QString& databasePath, QObject* parent = nullptr);
     ~SqlHelper() override;
 
-    Q_INVOKABLE bool saveVideoInfo(const QString& url, const QString& filename, double duration, double position,
-                                   const QByteArray& thumbnail, int thumbnailWidth, int thumbnailHeight);
+    Q_INVOKABLE bool saveVideoInfo(const QString& url, const QString& filename, double duration,
+                                   double position, const QByteArray& thumbnail, int thumbnailWidth,
+                                   int thumbnailHeight);
     Q_INVOKABLE bool deleteVideoByUrl(const QString& url);
     Q_INVOKABLE bool setVideoTop(const QString& url, bool top);
     Q_INVOKABLE double getLastPosition(const QString& url);
@@ -39,5 +40,8 @@ signals:
     void databaseError(QString error);
 
 private:
-    sqlite3* m_db = nullptr;
+    // Creates the table and adds the columns that older databases lack.
+    void createSchema();
+
+    sqlite3* m_db = nullptr; // owned; null when the open failed
 };

@@ -1,0 +1,196 @@
+#include "SqlHelper.h"
+
+#include "SqlStatement.h"
+
+#include <spdlog/spdlog.h>
+#include <sqlite3.h>
+
+namespace {
+
+constexpr const char* kDatabaseName = "video_history.db";
+
+constexpr const char* kCreateTable = "CREATE TABLE IF NOT EXISTS video_history (url TEXT PRIMARY "
+                                     "KEY,filename TEXT NOT NULL,last_position REAL "
+                                     "DEFAULT 0,duration REAL DEFAULT 0,thumbnail BLOB,thumbnail_width "
+                                     "INTEGER DEFAULT 0,thumbnail_height INTEGER "
+                                     "DEFAULT 0,last_played DATETIME DEFAULT CURRENT_TIMESTAMP,play_count "
+                                     "INTEGER DEFAULT 0,is_top INTEGER DEFAULT 0)";
+
+// Columns added after the first release; databases of older versions gain them on open.
+constexpr const char* kMigrations[] = {
+    "ALTER TABLE video_history ADD COLUMN is_top INTEGER DEFAULT 0",
+    "ALTER TABLE video_history ADD COLUMN thumbnail_width INTEGER DEFAULT 0",
+    "ALTER TABLE video_history ADD COLUMN thumbnail_height INTEGER DEFAULT 0",
+};
+
+// Runs a statement without results. The error text is freed here; it is only written at
+// debug level, since every caller reports failure through its result alone.
+bool execute(sqlite3* db, const char* sql, std::string* error = nullptr)
+{
+    if (!db)
+        return false;
+    char* message = nullptr;
+    const int rc = sqlite3_exec(db, sql, nullptr, nullptr, &message);
+    if (rc != SQLITE_OK) {
+        const std::string text = message ? message : sqlite3_errstr(rc);
+        spdlog::debug("history store: \"{}\" failed: {}", sql, text);
+        if (error)
+            *error = text;
+    }
+    sqlite3_free(message);
+    return rc == SQLITE_OK;
+}
+
+} // namespace
+
+SqlHelper* SqlHelper::instance()
+{
+    // Created on first use and kept to the end of the process; the QML engine never owns it.
+    static SqlHelper* helper = new SqlHelper(QString::fromLatin1(kDatabaseName));
+    return helper;
+}
+
+SqlHelper::SqlHelper(const QString& databasePath, QObject* parent) : QObject(parent)
+{
+    sqlite3* db = nullptr;
+    const int rc = sqlite3_open(databasePath.toUtf8().constData(), &db);
+    if (rc != SQLITE_OK) {
+        spdlog::debug("history store: cannot open {}: {}", databasePath.toStdString(),
+                      db ? sqlite3_errmsg(db) : sqlite3_errstr(rc));
+        // Even a failed open hands back a handle that must be closed.
+        sqlite3_close(db);
+        return;
+    }
+    m_db = db;
+    execute(m_db, "PRAGMA encoding = 'UTF-8'");
+    createSchema();
+}
+
+SqlHelper::~SqlHelper()
+{
+    sqlite3_close(m_db);
+}
+
+void SqlHelper::createSchema()
+{
+    if (!execute(m_db, kCreateTable))
+        return;
+    for (const char* migration : kMigrations) {
+        std::string error;
+        // "duplicate column name" is the normal answer of an up-to-date table; any other
+        // failure is tolerated as well, and the next migration still runs.
+        if (!execute(m_db, migration, &error) && error.find("duplicate column name") == std::string::npos)
+            spdlog::debug("history store: migration left undone: {}", error);
+    }
+}
+
+bool SqlHelper::saveVideoInfo(const QString& url, const QString& filename, double duration, double position,
+                              const QByteArray& thumbnail, int thumbnailWidth, int thumbnailHeight)
+{
+    std::string sql =
+        "INSERT INTO video_history (url, filename, last_position, duration, thumbnail, "
+        "thumbnail_width, thumbnail_height, last_played, play_count) VALUES (?, ?, ?, ?, ?, ?, ?, "
+        "CURRENT_TIMESTAMP, 1) ON CONFLICT(url) DO UPDATE SET filename=excluded.filename, ";
+    // A negative position means "no new resume point": the stored one stays.
+    if (position >= 0.0)
+        sql += "last_position=excluded.last_position, ";
+    sql += "duration=excluded.duration, ";
+    // A null array keeps the stored thumbnail; an empty non-null one clears it.
+    if (!thumbnail.isNull())
+        sql += "thumbnail=excluded.thumbnail, ";
+    // Width and height follow every save, even when the thumbnail itself is kept.
+    sql += "thumbnail_width=excluded.thumbnail_width, thumbnail_height=excluded.thumbnail_height, ";
+    sql += "last_played=CURRENT_TIMESTAMP, play_count=play_count+1";
+
+    SqlStatement statement(m_db, sql.c_str());
+    if (!statement.isValid())
+        return false;
+    statement.bindText(1, url);
+    statement.bindText(2, filename);
+    statement.bindDouble(3, position);
+    statement.bindDouble(4, duration);
+    if (thumbnail.size() >= 1)
+        statement.bindBlob(5, thumbnail);
+    else
+        statement.bindNull(5);
+    statement.bindInt(6, thumbnailWidth);
+    statement.bindInt(7, thumbnailHeight);
+    if (statement.step() != SQLITE_DONE) {
+        spdlog::debug("history store: save of {} failed: {}", url.toStdString(), sqlite3_errmsg(m_db));
+        return false;
+    }
+    emit dataChanged();
+    return true;
+}
+
+bool SqlHelper::deleteVideoByUrl(const QString& url)
+{
+    SqlStatement statement(m_db, "DELETE FROM video_history WHERE url = ?");
+    if (!statement.isValid())
+        return false;
+    statement.bindText(1, url);
+    // A DELETE yields no row, so the result is false in practice; callers ignore it.
+    const bool result = statement.step() == SQLITE_ROW && statement.columnInt(0) != 0;
+    emit dataChanged();
+    return result;
+}
+
+bool SqlHelper::setVideoTop(const QString& url, bool top)
+{
+    // At most one row is pinned: pinning first unpins every row.
+    if (top && !execute(m_db, "UPDATE video_history SET is_top = 0"))
+        return false;
+    SqlStatement statement(m_db, "UPDATE video_history SET is_top = ? WHERE url = ?");
+    if (!statement.isValid())
+        return false;
+    statement.bindInt(1, top ? 1 : 0);
+    statement.bindText(2, url);
+    if (statement.step() != SQLITE_DONE)
+        return false;
+    emit dataChanged();
+    return true;
+}
+
+double SqlHelper::getLastPosition(const QString& url)
+{
+    SqlStatement statement(m_db, "SELECT last_position FROM video_history WHERE url = ?");
+    if (!statement.isValid())
+        return 0.0;
+    statement.bindText(1, url);
+    return statement.step() == SQLITE_ROW ? statement.columnDouble(0) : 0.0;
+}
+
+QList<QVariantMap> SqlHelper::getVideoHistory(int limit)
+{
+    SqlStatement statement(m_db,
+                           "SELECT url, filename, last_position, duration, thumbnail, thumbnail_width, "
+                           "thumbnail_height, last_played, play_count, is_top FROM video_history ORDER BY "
+                           "is_top DESC, rowid ASC LIMIT ?");
+    QList<QVariantMap> rows;
+    if (!statement.isValid())
+        return rows;
+    statement.bindInt(1, limit);
+    while (statement.step() == SQLITE_ROW) {
+        QVariantMap row;
+        row.insert(QStringLiteral("url"), statement.columnText(0));
+        row.insert(QStringLiteral("filename"), statement.columnText(1));
+        row.insert(QStringLiteral("last_position"), statement.columnDouble(2));
+        row.insert(QStringLiteral("duration"), statement.columnDouble(3));
+        row.insert(QStringLiteral("thumbnail"), statement.columnBlob(4));
+        row.insert(QStringLiteral("thumbnail_width"), statement.columnInt(5));
+        row.insert(QStringLiteral("thumbnail_height"), statement.columnInt(6));
+        row.insert(QStringLiteral("last_played"), statement.columnText(7));
+        row.insert(QStringLiteral("play_count"), statement.columnInt(8));
+        row.insert(QStringLiteral("is_top"), statement.columnInt(9));
+        rows.append(row);
+    }
+    return rows;
+}
+
+bool SqlHelper::clearHistory()
+{
+    if (!execute(m_db, "DELETE FROM video_history"))
+        return false;
+    emit dataChanged();
+    return true;
+}
