@@ -14,8 +14,10 @@ ThumbnailItem::ThumbnailItem(QQuickItem* parent)
 {
     m_link->framebufferItem = true;
     m_link->announce = [this](int width, int height) { emit signalUpdate(width, height); };
-    // The renderer draws the first image row at the bottom of its target.
-    setMirrorVertically(true);
+    // The renderer draws the first image row at the bottom of its framebuffer (texture row
+    // 0), and Qt Quick shows a framebuffer's row 0 at the item's top: upright as it stands,
+    // so no mirroring (mirroring turned the preview upside down).
+    setMirrorVertically(false);
     connect(this, &ThumbnailItem::signalUpdate, this, &ThumbnailItem::onSignalUpdate, Qt::QueuedConnection);
 }
 

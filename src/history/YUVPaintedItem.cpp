@@ -17,14 +17,14 @@
 namespace {
 
 // Compatibility-profile twins of the preview shaders, with the same full-range coefficients.
-// The painter's target shows clip-space top at the top, so the vertex shader mirrors the
-// picture to bring the first image row (texture row 0, bottom of the vertex table) up.
+// The painter's framebuffer is shown like ThumbnailItem's, its row 0 at the top, so the
+// vertex table's first image row at the bottom of clip space comes out upright.
 const char* const kVertexShader = "attribute vec2 position;\n"
                                   "attribute vec2 texCoord;\n"
                                   "varying vec2 v_texCoord;\n"
                                   "void main()\n"
                                   "{\n"
-                                  "   gl_Position = vec4(position.x, -position.y, 0.0, 1.0);\n"
+                                  "   gl_Position = vec4(position, 0.0, 1.0);\n"
                                   "   v_texCoord = texCoord;\n"
                                   "}\n";
 

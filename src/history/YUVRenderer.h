@@ -9,8 +9,8 @@ struct YuvFrame;
 // Draws the latest YUV 4:2:0 frame over the whole viewport with an OpenGL 3.3 shader that
 // converts to RGB on the GPU (full-range BT.601 coefficients; the grabber's limited-range
 // values are drawn as they are, which is how previews have always looked).
-// The vertex table puts the first image row at the bottom of clip space, so whoever shows
-// the target must mirror it vertically.
+// The vertex table puts the first image row at the bottom of clip space, that is row 0 of the
+// target; Qt Quick shows a framebuffer object's row 0 at the top, so the picture is upright.
 //
 // Threads: construction, initialize(), renderFrame() and destruction run on the scene-graph
 // render thread with its context current; frame() is shared with load jobs and the GUI
