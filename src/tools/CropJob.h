@@ -15,5 +15,9 @@ public:
     bool run(const QString& inputPath, const QString& outputPath, double startTime, double endTime);
 
 private:
+    // Everything between the range check and the finished report; contexts are released
+    // by their holders on every return.
+    bool copyRange(const QString& inputPath, const QString& outputPath, double startTime, double endTime);
+
     CommonTool& m_tool;
 };

@@ -71,8 +71,11 @@ Grabbed grabFrame(const QString& filePath, double seconds)
         avcodec_open2(decoder.get(), codec, nullptr) < 0)
         return {};
 
+    // A cover picture is delivered once, queued at open; a seek would flush it away (and
+    // means nothing for a single picture).
+    const bool coverPicture = stream->disposition & AV_DISPOSITION_ATTACHED_PIC;
     const double unit = av_q2d(stream->time_base);
-    if (unit > 0.0 && std::isfinite(seconds)) {
+    if (!coverPicture && unit > 0.0 && std::isfinite(seconds)) {
         const double target = std::trunc(seconds / unit);
         // Out-of-range requests simply fail to seek; reading then starts where it stands.
         if (std::fabs(target) < 9.0e18)

@@ -1,11 +1,239 @@
 #include "MergeJob.h"
 
 #include "CommonTool.h"
+#include "FfmpegPtr.h"
+#include "MediaProbe.h"
+
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+#include <QTextStream>
+#include <climits>
+#include <cmath>
+#include <spdlog/spdlog.h>
+#include <vector>
+
+namespace {
+
+using DictPtr = std::unique_ptr<AVDictionary, ff::DictDeleter>;
+
+// Seconds of a file as the container reports them, or -1 when unknown or unreadable.
+double containerSeconds(const QString& path)
+{
+    AVFormatContext* raw = nullptr;
+    if (avformat_open_input(&raw, path.toUtf8().constData(), nullptr, nullptr) < 0)
+        return -1.0;
+    ff::InputFormatPtr input(raw);
+    if (avformat_find_stream_info(input.get(), nullptr) < 0 || input->duration == AV_NOPTS_VALUE)
+        return -1.0;
+    return static_cast<double>(input->duration) / 1000000.0;
+}
+
+} // namespace
 
 MergeJob::MergeJob(CommonTool& tool) : m_tool(tool) {}
 
-bool MergeJob::run(const QVariantList&, const QString&)
+QString MergeJob::listFilePath()
 {
-    emit m_tool.videoCompressionFinished(false);
-    return false;
+    return QDir::tempPath() + QStringLiteral("/merge_list.txt");
+}
+
+bool MergeJob::run(const QVariantList& inputPaths, const QString& outputPath)
+{
+    spdlog::info("mergeVideos: {} input files -> {}", inputPaths.size(), outputPath.toStdString());
+    if (inputPaths.isEmpty()) {
+        spdlog::error("No input files provided");
+        emit m_tool.videoCompressionFinished(false);
+        return false;
+    }
+
+    const QString listPath = listFilePath();
+    qint64 total = 0;
+    if (!writeList(inputPaths, listPath, total)) {
+        emit m_tool.videoCompressionFinished(false);
+        return false;
+    }
+    emit m_tool.videoCompressionFrameTotal(static_cast<int>(std::min<qint64>(total, INT_MAX)));
+
+    AVDictionary* rawOptions = nullptr;
+    av_dict_set(&rawOptions, "f", "concat", 0);
+    av_dict_set(&rawOptions, "safe", "0", 0);         // absolute paths are allowed
+    av_dict_set(&rawOptions, "auto_convert", "0", 0); // packets pass through unchanged
+    DictPtr options(rawOptions);
+
+    ff::OutputFormatPtr output;
+    if (!MediaProbe::createOutputContext(output, outputPath)) {
+        QFile::remove(listPath);
+        emit m_tool.videoCompressionFinished(false);
+        return false;
+    }
+
+    bool outputCreated = false;
+    rawOptions = options.release();
+    bool result = concatenate(listPath, &rawOptions, output.get(), outputPath, outputCreated);
+    options.reset(rawOptions);
+
+    output.reset();
+    // A merge that did not finish leaves a file without its index, which no player opens:
+    // remove it rather than leave a broken file under the user's chosen name.
+    if (!result && outputCreated)
+        QFile::remove(outputPath);
+    QFile::remove(listPath);
+    spdlog::info("Video merging completed: {}", result ? "success" : "failed");
+    emit m_tool.videoCompressionFinished(result);
+    return result;
+}
+
+bool MergeJob::writeList(const QVariantList& inputPaths, const QString& listPath, qint64& total)
+{
+    QFile file(listPath);
+    if (!file.open(QIODevice::WriteOnly | QIODevice::Truncate | QIODevice::Text)) {
+        spdlog::error("Failed to create temporary file list");
+        return false;
+    }
+    QTextStream stream(&file);
+    stream.setCodec("UTF-8");
+    total = 0;
+    stream << "ffconcat version 1.0" << Qt::endl;
+    for (const QVariant& item : inputPaths) {
+        const QString path = item.toString();
+        if (path.isEmpty() || !QFileInfo(path).isFile()) {
+            spdlog::error("Input file does not exist: {}", path.toStdString());
+            file.close();
+            file.remove();
+            return false;
+        }
+        const double seconds = containerSeconds(path);
+        if (seconds >= 0.0)
+            total += static_cast<qint64>(std::trunc(seconds * 25.0));
+        // Quotes are written as they are: a path holding one makes the list unreadable and the
+        // concat open fails with the library's reason.
+        stream << "file '" << QString(path).replace(QLatin1Char('\\'), QLatin1Char('/')) << "'" << Qt::endl;
+    }
+    stream.flush();
+    const bool written = stream.status() == QTextStream::Ok && file.error() == QFileDevice::NoError;
+    file.close();
+    if (!written) {
+        spdlog::error("Failed to create temporary file list");
+        file.remove();
+        return false;
+    }
+
+    QFile readBack(listPath);
+    if (readBack.open(QIODevice::ReadOnly | QIODevice::Text))
+        spdlog::debug("Merge list {}:\n{}", listPath.toStdString(), readBack.readAll().toStdString());
+    return true;
+}
+
+bool MergeJob::concatenate(const QString& listPath, AVDictionary** options, AVFormatContext* output,
+                           const QString& outputPath, bool& outputCreated)
+{
+    AVFormatContext* raw = nullptr;
+    // No forced format: the "ffconcat version 1.0" header wins the probe.
+    const int opened = avformat_open_input(&raw, listPath.toUtf8().constData(), nullptr, options);
+    if (opened < 0) {
+        spdlog::error("Could not open concat demuxer: {}", ff::errorText(opened));
+        return false;
+    }
+    ff::InputFormatPtr input(raw);
+    if (avformat_find_stream_info(input.get(), nullptr) < 0) {
+        spdlog::error("Failed to retrieve input stream information");
+        return false;
+    }
+    // The merged layout is the first file's, as the concat demuxer reports it.
+    if (!MediaProbe::copyStreamLayout(input.get(), output))
+        return false;
+
+    if (!(output->oformat->flags & AVFMT_NOFILE)) {
+        if (avio_open(&output->pb, outputPath.toUtf8().constData(), AVIO_FLAG_WRITE) < 0) {
+            spdlog::error("Could not open output file: {}", outputPath.toStdString());
+            return false;
+        }
+        outputCreated = true;
+    }
+    const int header = avformat_write_header(output, nullptr);
+    if (header < 0) {
+        spdlog::error("Error occurred when writing header: {}", ff::errorText(header));
+        return false;
+    }
+
+    bool result = copyPackets(input.get(), output);
+    // A cancelled or failed copy writes no trailer.
+    if (result && av_write_trailer(output) < 0) {
+        spdlog::error("Error writing trailer");
+        result = false;
+    }
+    return result;
+}
+
+bool MergeJob::copyPackets(AVFormatContext* input, AVFormatContext* output)
+{
+    ff::PacketPtr packet = ff::makePacket();
+    if (!packet)
+        return false;
+    std::vector<int64_t> lastPts(output->nb_streams, AV_NOPTS_VALUE);
+    std::vector<int64_t> lastDts(output->nb_streams, AV_NOPTS_VALUE);
+    const auto rounding = static_cast<AVRounding>(AV_ROUND_NEAR_INF | AV_ROUND_PASS_MINMAX);
+    int videoPackets = 0;
+    bool result = true;
+    int read = 0;
+    while ((read = av_read_frame(input, packet.get())) >= 0) {
+        if (m_tool.isCancelled()) {
+            spdlog::info("Video merging operation cancelled by user");
+            result = false;
+            emit m_tool.videoCompressionCancelled();
+            av_packet_unref(packet.get());
+            break;
+        }
+        const int i = packet->stream_index;
+        if (i < 0 || i >= static_cast<int>(input->nb_streams) || i >= static_cast<int>(output->nb_streams)) {
+            spdlog::error("Invalid stream index: {}", i);
+            av_packet_unref(packet.get());
+            continue;
+        }
+        const AVStream* inStream = input->streams[i];
+        const AVStream* outStream = output->streams[i];
+        packet->pts = av_rescale_q_rnd(packet->pts, inStream->time_base, outStream->time_base, rounding);
+        packet->dts = av_rescale_q_rnd(packet->dts, inStream->time_base, outStream->time_base, rounding);
+        packet->duration = av_rescale_q(packet->duration, inStream->time_base, outStream->time_base);
+
+        // The "from" value logged is the previous packet's timestamp, not this packet's own.
+        if (lastPts[i] != AV_NOPTS_VALUE && packet->pts != AV_NOPTS_VALUE && packet->pts <= lastPts[i]) {
+            packet->pts = lastPts[i] + 1;
+            spdlog::debug("Adjusted PTS for stream {} from {} to {}", i, lastPts[i], packet->pts);
+        }
+        if (lastDts[i] != AV_NOPTS_VALUE && packet->dts != AV_NOPTS_VALUE && packet->dts <= lastDts[i]) {
+            packet->dts = lastDts[i] + 1;
+            spdlog::debug("Adjusted DTS for stream {} from {} to {}", i, lastDts[i], packet->dts);
+        }
+        // May bring dts back to or below the previous one; the muxer then decides.
+        if (packet->dts != AV_NOPTS_VALUE && packet->pts != AV_NOPTS_VALUE && packet->pts < packet->dts) {
+            packet->dts = packet->pts;
+            spdlog::debug("Adjusted DTS to equal PTS for stream {}: {}", i, packet->dts);
+        }
+        if (packet->pts != AV_NOPTS_VALUE)
+            lastPts[i] = packet->pts;
+        if (packet->dts != AV_NOPTS_VALUE)
+            lastDts[i] = packet->dts;
+        packet->pos = -1;
+
+        const bool isVideo = inStream->codecpar->codec_type == AVMEDIA_TYPE_VIDEO;
+        const int written = av_interleaved_write_frame(output, packet.get());
+        if (written < 0) {
+            spdlog::error("Error writing packet: {}", ff::errorText(written));
+            result = false;
+            av_packet_unref(packet.get());
+            break;
+        }
+        if (isVideo && ++videoPackets % 10 == 0)
+            emit m_tool.videoCompressionProgress(videoPackets);
+        av_packet_unref(packet.get());
+    }
+    // The concat demuxer reports a later list entry it cannot open as a read error: that is
+    // a failed merge, not the end of the input.
+    if (result && read < 0 && read != AVERROR_EOF) {
+        spdlog::error("Error reading input: {}", ff::errorText(read));
+        result = false;
+    }
+    return result;
 }

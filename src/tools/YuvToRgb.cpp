@@ -1,5 +1,6 @@
 #include "YuvToRgb.h"
 
+#include <cstddef>
 #include <vector>
 
 // The conversion runs over whole rows in separate passes on contiguous arrays, so the compiler
@@ -31,10 +32,14 @@ void yuv420ToRgb24(const uint8_t* yuv, int width, int height, uint8_t* rgb, int 
 {
     if (!yuv || width < 1 || height < 1)
         return;
-    const int halfW = width / 2;
+    // Chroma rows are ceil(w/2) long and ceil(h/2) high, as the grabber packs them; for even
+    // sizes this is w/2 and (w*h)/4.
+    const int halfW = (width + 1) / 2;
+    const int halfH = (height + 1) / 2;
+    const int pairs = width / 2;
     const uint8_t* yPlane = yuv;
-    const uint8_t* uPlane = yuv + width * height;
-    const uint8_t* vPlane = uPlane + (width * height) / 4;
+    const uint8_t* uPlane = yuv + static_cast<size_t>(width) * height;
+    const uint8_t* vPlane = uPlane + static_cast<size_t>(halfW) * halfH;
 
     // Chroma terms spread to full width (shared by the two rows of a chroma row), then the
     // three channels of one row, each as its own array.
@@ -49,9 +54,9 @@ void yuv420ToRgb24(const uint8_t* yuv, int width, int height, uint8_t* rgb, int 
 
     for (int y = 0; y < height; ++y) {
         if ((y & 1) == 0) {
-            const uint8_t* __restrict uRow = uPlane + (y / 2) * halfW;
-            const uint8_t* __restrict vRow = vPlane + (y / 2) * halfW;
-            for (int i = 0; i < halfW; ++i) {
+            const uint8_t* __restrict uRow = uPlane + static_cast<size_t>(y / 2) * halfW;
+            const uint8_t* __restrict vRow = vPlane + static_cast<size_t>(y / 2) * halfW;
+            for (int i = 0; i < pairs; ++i) {
                 const int u = uRow[i];
                 const int v = vRow[i];
                 const int32_t r = 409 * v + kRedOffset;
@@ -65,17 +70,16 @@ void yuv420ToRgb24(const uint8_t* yuv, int width, int height, uint8_t* rgb, int 
                 blueTerm[2 * i + 1] = b;
             }
             if (width & 1) {
-                // The last column of an odd width reads the sample after the row's last pair,
-                // exactly where (y/2)*(w/2) + x/2 points.
-                const int u = uRow[halfW];
-                const int v = vRow[halfW];
+                // An odd width's last column has a chroma sample of its own.
+                const int u = uRow[pairs];
+                const int v = vRow[pairs];
                 redTerm[width - 1] = 409 * v + kRedOffset;
                 greenTerm[width - 1] = kGreenOffset - 100 * u - 208 * v;
                 blueTerm[width - 1] = 516 * u + kBlueOffset;
             }
         }
 
-        const uint8_t* __restrict yRow = yPlane + y * width;
+        const uint8_t* __restrict yRow = yPlane + static_cast<size_t>(y) * width;
         for (int x = 0; x < width; ++x) {
             const int32_t luma = 298 * yRow[x];
             red[x] = clamp255((luma + redTerm[x]) >> 8);
@@ -83,7 +87,7 @@ void yuv420ToRgb24(const uint8_t* yuv, int width, int height, uint8_t* rgb, int 
             blue[x] = clamp255((luma + blueTerm[x]) >> 8);
         }
 
-        uint8_t* __restrict out = rgb + y * rgbStride;
+        uint8_t* __restrict out = rgb + static_cast<size_t>(y) * rgbStride;
         for (int x = 0; x < width; ++x) {
             out[3 * x] = red[x];
             out[3 * x + 1] = green[x];

@@ -1,0 +1,15 @@
+#pragma once
+
+#include "CliCommand.h"
+
+// vidora-cli clip IN OUT --start SECONDS --end SECONDS: a time range copied without
+// re-encoding.
+class ClipCommand : public CliCommand
+{
+public:
+    QString name() const override;
+    QString summary() const override;
+    void configure(QCommandLineParser& parser) const override;
+    int run(const QCommandLineParser& parser, const QStringList& arguments,
+            CliContext& context) const override;
+};

@@ -1,0 +1,14 @@
+#pragma once
+
+#include "CliCommand.h"
+
+// vidora-cli merge OUT IN1 [IN2 ...]: files joined end to end without re-encoding.
+class MergeCommand : public CliCommand
+{
+public:
+    QString name() const override;
+    QString summary() const override;
+    void configure(QCommandLineParser& parser) const override;
+    int run(const QCommandLineParser& parser, const QStringList& arguments,
+            CliContext& context) const override;
+};

@@ -1,0 +1,146 @@
+#include "CommonTool.h"
+#include "FfmpegPtr.h"
+#include "TestMedia.h"
+#include "ToolTestSupport.h"
+
+#include <QSignalSpy>
+#include <QThread>
+#include <QtTest>
+#include <thread>
+
+using ToolTest::SignalRecorder;
+
+// The service side of the tools: the time label, the cancel flag and the asynchronous
+// wrappers that hand jobs to the pool.
+class TestCommonTool : public QObject
+{
+    Q_OBJECT
+
+private:
+    QString m_dir;
+    QString path(const QString& name) const { return m_dir + "/" + name; }
+
+private slots:
+    void initTestCase()
+    {
+        m_dir = TestMedia::scratchDir("common");
+        av_log_set_level(AV_LOG_QUIET);
+        QVERIFY(TestMedia::makeVideo(path("a.mp4"), 2.0, 160, 120));
+    }
+
+    void formatTimeTruncatesAndPads_data()
+    {
+        QTest::addColumn<double>("seconds");
+        QTest::addColumn<QString>("label");
+        QTest::newRow("zero") << 0.0 << "00:00:00";
+        QTest::newRow("just under a minute") << 59.9 << "00:00:59";
+        QTest::newRow("one minute") << 60.0 << "00:01:00";
+        QTest::newRow("hour, minutes, seconds") << 3725.0 << "01:02:05";
+        QTest::newRow("one hundred hours") << 360000.0 << "100:00:00";
+    }
+    void formatTimeTruncatesAndPads()
+    {
+        QFETCH(double, seconds);
+        QFETCH(QString, label);
+        QCOMPARE(CommonTool().formatTime(seconds), label);
+    }
+
+    void cancelFlagIsSetAndClearedOnlyWhenAsked()
+    {
+        CommonTool tool;
+        QVERIFY(!tool.isCancelled());
+        QSignalSpy cancelled(&tool, &CommonTool::videoCompressionCancelled);
+        tool.cancelVideoOperation();
+        QVERIFY(tool.isCancelled());
+        QCOMPARE(cancelled.count(), 0); // asking emits nothing by itself
+        tool.cancelVideoOperation();
+        QVERIFY(tool.isCancelled());
+        tool.resetCancelState();
+        QVERIFY(!tool.isCancelled());
+    }
+
+    void cropAsyncClearsAnEarlierCancelAndRunsOnThePool()
+    {
+        CommonTool tool;
+        SignalRecorder rec(tool);
+        QThread* emitter = nullptr;
+        connect(
+            &tool, &CommonTool::videoCompressionFinished, &tool,
+            [&emitter]() { emitter = QThread::currentThread(); }, Qt::DirectConnection);
+        tool.cancelVideoOperation();
+        tool.cropVideoAsync(path("a.mp4"), path("crop.mp4"), 0.0, 2.0);
+        QVERIFY(!tool.isCancelled());
+        QTRY_COMPARE_WITH_TIMEOUT(rec.finishedCount(), 1, 30000);
+        QVERIFY(!rec.events.contains("cancelled"));
+        QCOMPARE(rec.events.first(), QStringLiteral("total:50"));
+        QCOMPARE(rec.events.last(), QStringLiteral("finished:true"));
+        QVERIFY(emitter && emitter != QThread::currentThread());
+    }
+
+    void compressAndConvertAsyncClearTheCancelFlagBeforeSubmitting()
+    {
+        CommonTool tool;
+        SignalRecorder rec(tool);
+        tool.cancelVideoOperation();
+        tool.compressVideoAsync(path("missing.mp4"), path("c.mp4"));
+        QVERIFY(!tool.isCancelled());
+        tool.cancelVideoOperation();
+        tool.convertVideoFormatAsync(path("missing.mp4"), path("c.mkv"), QVariantMap());
+        QVERIFY(!tool.isCancelled());
+        QTRY_COMPARE_WITH_TIMEOUT(rec.finishedCount(), 2, 30000);
+        QCOMPARE(rec.events.filter("finished:false").size(), 2);
+    }
+
+    void mergeAsyncKeepsAnEarlierCancel()
+    {
+        CommonTool tool;
+        SignalRecorder rec(tool);
+        tool.cancelVideoOperation();
+        QVERIFY(tool.mergeVideoAsync({path("a.mp4")}, path("merged.mp4")));
+        QVERIFY(tool.isCancelled());
+        QTRY_COMPARE_WITH_TIMEOUT(rec.finishedCount(), 1, 30000);
+        QCOMPARE(rec.events, (QStringList{"total:50", "cancelled", "finished:false"}));
+
+        // After an explicit reset the same merge goes through.
+        rec.events.clear();
+        tool.resetCancelState();
+        QVERIFY(tool.mergeVideoAsync({path("a.mp4")}, path("merged.mp4")));
+        QTRY_COMPARE_WITH_TIMEOUT(rec.finishedCount(), 1, 30000);
+        QCOMPARE(rec.events.last(), QStringLiteral("finished:true"));
+    }
+
+    void invalidAsyncCropSendsOnlyOneFailure()
+    {
+        CommonTool tool;
+        SignalRecorder rec(tool);
+        tool.cropVideoAsync(path("a.mp4"), path("bad.mp4"), 3.0, 1.0);
+        QTRY_COMPARE_WITH_TIMEOUT(rec.finishedCount(), 1, 30000);
+        QTest::qWait(100); // nothing else may follow
+        QCOMPARE(rec.events, QStringList{"finished:false"});
+    }
+
+    void sharedInstanceLivesOnTheApplicationThread()
+    {
+        // Whoever asks first, queued signals must reach receivers through the GUI thread.
+        CommonTool* fromWorker = nullptr;
+        std::thread worker([&fromWorker]() { fromWorker = CommonTool::instance(); });
+        worker.join();
+        QVERIFY(fromWorker);
+        QCOMPARE(fromWorker, CommonTool::instance());
+        QCOMPARE(fromWorker->thread(), QCoreApplication::instance()->thread());
+    }
+
+    void convertMapIsReadInKilobits()
+    {
+        const QVariantMap map{{"codecId", 27}, {"width", 640}, {"bitrate", 1500}, {"audioBitrate", 128}};
+        const VideoInfo info = VideoInfo::fromConvertMap(map);
+        QCOMPARE(info.codecId, 27);
+        QCOMPARE(info.width, 640);
+        QCOMPARE(info.height, 0);
+        QCOMPARE(info.bitrate, qint64(1500000));
+        QCOMPARE(info.audioBitrate, qint64(128000));
+    }
+};
+
+QTEST_GUILESS_MAIN(TestCommonTool)
+#include "tst_commontool.moc"

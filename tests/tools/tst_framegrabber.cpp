@@ -1,0 +1,185 @@
+#include "CommonTool.h"
+#include "FfmpegPtr.h"
+#include "FrameGrabber.h"
+#include "TestMedia.h"
+
+#include <QFile>
+#include <QtTest>
+#include <cmath>
+
+// One decoded picture as packed I420 at the stream's coded size, compared with what the
+// ffmpeg tool decodes for the same instant.
+class TestFrameGrabber : public QObject
+{
+    Q_OBJECT
+
+private:
+    QString m_dir;
+    QString path(const QString& name) const { return m_dir + "/" + name; }
+
+    struct Grab
+    {
+        ff::AvBufferPtr buffer;
+        int width = -1;
+        int height = -1;
+    };
+    static Grab grab(const QString& file, double seconds)
+    {
+        uint8_t* raw = reinterpret_cast<uint8_t*>(1); // must be overwritten either way
+        Grab g;
+        CommonTool().getVideoThumbnail(file, seconds, &raw, &g.width, &g.height);
+        g.buffer.reset(raw);
+        return g;
+    }
+
+    // The ffmpeg tool's exact frame at `seconds`, as packed yuv420p.
+    QByteArray reference(const QString& file, double seconds)
+    {
+        const QString out = path("reference.yuv");
+        if (!TestMedia::ffmpeg({"-ss", QString::number(seconds), "-i", file, "-frames:v", "1", "-pix_fmt",
+                                "yuv420p", "-f", "rawvideo", out}))
+            return {};
+        QFile f(out);
+        f.open(QIODevice::ReadOnly);
+        return f.readAll();
+    }
+
+    static double meanDifference(const uint8_t* a, const uint8_t* b, int n)
+    {
+        double sum = 0;
+        for (int i = 0; i < n; ++i)
+            sum += std::abs(int(a[i]) - int(b[i]));
+        return n > 0 ? sum / n : 0.0;
+    }
+
+private slots:
+    void initTestCase()
+    {
+        m_dir = TestMedia::scratchDir("grab");
+        av_log_set_level(AV_LOG_QUIET);
+        QVERIFY(TestMedia::makeVideo(path("4s.mp4"), 4.0, 320, 240, 25, true, {"-g", "25"}));
+    }
+
+    void oddSizesGiveUnpaddedPlanes()
+    {
+        // 4:4:4 lets the encoder take an odd size; the grabber scales chroma down to 4:2:0.
+        const QString odd = path("odd.mp4");
+        QVERIFY(TestMedia::ffmpeg({"-f", "lavfi", "-i", "testsrc=size=853x481:rate=25:duration=2", "-pix_fmt",
+                                   "yuv444p", "-g", "25", odd}));
+        Grab g = grab(odd, 1.0);
+        QVERIFY(g.buffer);
+        QCOMPARE(g.width, 853);
+        QCOMPARE(g.height, 481);
+        const QByteArray ref = reference(odd, 1.0);
+        const int luma = 853 * 481;
+        const int chroma = 427 * 241;
+        QCOMPARE(ref.size(), luma + 2 * chroma);
+        const auto* expected = reinterpret_cast<const uint8_t*>(ref.constData());
+        QVERIFY(memcmp(g.buffer.get(), expected, luma) == 0);
+        // Chroma is downsampled by two different scalers: close, not identical. A wrong row
+        // length would shear the pattern and give differences of tens.
+        QVERIFY(meanDifference(g.buffer.get() + luma, expected + luma, chroma) < 2.0);
+        QVERIFY(meanDifference(g.buffer.get() + luma + chroma, expected + luma + chroma, chroma) < 2.0);
+    }
+
+    void pictureComesFromTheKeyFrameAtOrBeforeTheTime()
+    {
+        Grab g = grab(path("4s.mp4"), 2.5);
+        QVERIFY(g.buffer);
+        QCOMPARE(g.width, 320);
+        const int size = 320 * 240 * 3 / 2;
+        const QByteArray atKey = reference(path("4s.mp4"), 2.0);
+        QCOMPARE(atKey.size(), size);
+        QVERIFY(memcmp(g.buffer.get(), atKey.constData(), size) == 0);
+        const QByteArray atStart = reference(path("4s.mp4"), 0.0);
+        QVERIFY(memcmp(g.buffer.get(), atStart.constData(), size) != 0);
+    }
+
+    void timesOutsideTheFileNeverCrash_data()
+    {
+        QTest::addColumn<double>("seconds");
+        QTest::newRow("beyond the end") << 1000.0;
+        QTest::newRow("just past the end") << 4.5;
+        QTest::newRow("negative") << -3.0;
+        QTest::newRow("not a number") << qQNaN();
+        QTest::newRow("infinite") << qInf();
+    }
+    void timesOutsideTheFileNeverCrash()
+    {
+        QFETCH(double, seconds);
+        Grab g = grab(path("4s.mp4"), seconds);
+        if (g.buffer) {
+            QCOMPARE(g.width, 320);
+            QCOMPARE(g.height, 240);
+        } else {
+            QCOMPARE(g.width, 0);
+            QCOMPARE(g.height, 0);
+        }
+    }
+
+    void noPictureGivesNullAndZeros_data()
+    {
+        QTest::addColumn<QString>("name");
+        QTest::addColumn<QByteArray>("content");
+        QTest::newRow("missing") << "missing.mp4" << QByteArray();
+        QTest::newRow("empty") << "empty.mp4" << QByteArray("");
+        QTest::newRow("text") << "text.mp4" << QByteArray("no pictures in here\n");
+        QTest::newRow("audio only") << "tone.m4a" << QByteArray();
+    }
+    void noPictureGivesNullAndZeros()
+    {
+        QFETCH(QString, name);
+        QFETCH(QByteArray, content);
+        const QString file = path(name);
+        if (name == "tone.m4a")
+            QVERIFY(TestMedia::ffmpeg({"-f", "lavfi", "-i", "sine=duration=1", file}));
+        else if (name != "missing.mp4") {
+            QFile f(file);
+            QVERIFY(f.open(QIODevice::WriteOnly));
+            f.write(content);
+        }
+        Grab g = grab(file, 0.5);
+        QVERIFY(!g.buffer);
+        QCOMPARE(g.width, 0);
+        QCOMPARE(g.height, 0);
+    }
+
+    void coverPictureIsAThumbnailToo()
+    {
+        QVERIFY(TestMedia::ffmpeg(
+            {"-f", "lavfi", "-i", "testsrc=size=64x48", "-frames:v", "1", path("cover.png")}));
+        const QString mp3 = path("song.mp3");
+        QVERIFY(TestMedia::ffmpeg({"-f", "lavfi", "-i", "sine=duration=1", "-i", path("cover.png"), "-map",
+                                   "0", "-map", "1", "-c:v", "png", "-disposition:v", "attached_pic", mp3}));
+        Grab g = grab(mp3, 0.0);
+        QVERIFY(g.buffer);
+        QCOMPARE(g.width, 64);
+        QCOMPARE(g.height, 48);
+    }
+
+    void grabsRunSafelyInParallel()
+    {
+        // The thumbnail lists grab from several pool threads at once.
+        QList<QThread*> threads;
+        QAtomicInt good = 0;
+        for (int i = 0; i < 4; ++i) {
+            threads << QThread::create([this, i, &good]() {
+                uint8_t* buffer = nullptr;
+                int w = 0, h = 0;
+                FrameGrabber::grab(path("4s.mp4"), i * 0.9, &buffer, &w, &h);
+                if (buffer && w == 320 && h == 240)
+                    good.fetchAndAddRelaxed(1);
+                av_free(buffer);
+            });
+            threads.last()->start();
+        }
+        for (QThread* t : threads) {
+            QVERIFY(t->wait(30000));
+            delete t;
+        }
+        QCOMPARE(good.loadRelaxed(), 4);
+    }
+};
+
+QTEST_GUILESS_MAIN(TestFrameGrabber)
+#include "tst_framegrabber.moc"

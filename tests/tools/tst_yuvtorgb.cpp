@@ -1,0 +1,160 @@
+#include "FfmpegPtr.h"
+#include "FrameGrabber.h"
+#include "TestMedia.h"
+#include "YuvToRgb.h"
+
+#include <QFile>
+#include <QtTest>
+#include <vector>
+
+// The integer limited-range conversion shared by the image provider and the command line.
+class TestYuvToRgb : public QObject
+{
+    Q_OBJECT
+
+private:
+    // A w x h I420 block filled with one colour.
+    static std::vector<uint8_t> solid(int w, int h, uint8_t y, uint8_t u, uint8_t v)
+    {
+        const int luma = w * h;
+        const int chroma = ((w + 1) / 2) * ((h + 1) / 2);
+        std::vector<uint8_t> data(luma + 2 * chroma);
+        std::fill(data.begin(), data.begin() + luma, y);
+        std::fill(data.begin() + luma, data.begin() + luma + chroma, u);
+        std::fill(data.begin() + luma + chroma, data.end(), v);
+        return data;
+    }
+
+private slots:
+    void referenceColours_data()
+    {
+        QTest::addColumn<int>("y");
+        QTest::addColumn<int>("u");
+        QTest::addColumn<int>("v");
+        QTest::addColumn<QColor>("rgb");
+        QTest::newRow("black") << 16 << 128 << 128 << QColor(0, 0, 0);
+        QTest::newRow("white") << 235 << 128 << 128 << QColor(255, 255, 255);
+        QTest::newRow("below black clamps") << 0 << 128 << 128 << QColor(0, 0, 0);
+        QTest::newRow("above white clamps") << 255 << 128 << 128 << QColor(255, 255, 255);
+        // BT.601 studio red, green and blue.
+        QTest::newRow("red") << 81 << 90 << 240 << QColor(255, 0, 0);
+        QTest::newRow("green") << 145 << 54 << 34 << QColor(0, 255, 1);
+        QTest::newRow("blue") << 41 << 240 << 110 << QColor(0, 0, 255);
+        QTest::newRow("grey") << 126 << 128 << 128 << QColor(128, 128, 128);
+    }
+    void referenceColours()
+    {
+        QFETCH(int, y);
+        QFETCH(int, u);
+        QFETCH(int, v);
+        QFETCH(QColor, rgb);
+        const auto data = solid(4, 2, y, u, v);
+        const QImage image = yuv420ToImage(data.data(), 4, 2);
+        QCOMPARE(image.format(), QImage::Format_RGB888);
+        const QColor got = image.pixelColor(3, 1);
+        QVERIFY2(qAbs(got.red() - rgb.red()) <= 1 && qAbs(got.green() - rgb.green()) <= 1 &&
+                     qAbs(got.blue() - rgb.blue()) <= 1,
+                 qPrintable(QStringLiteral("got %1,%2,%3").arg(got.red()).arg(got.green()).arg(got.blue())));
+    }
+
+    void exactIntegerFormula()
+    {
+        // Every Y at a fixed off-grey chroma, against the formula written out.
+        for (int y = 0; y < 256; ++y) {
+            const int u = 100, v = 180;
+            const auto data = solid(2, 2, uint8_t(y), u, v);
+            uint8_t rgb[12];
+            yuv420ToRgb24(data.data(), 2, 2, rgb, 6);
+            const int c = y - 16;
+            auto clamp = [](int x) { return std::min(255, std::max(0, x)); };
+            QCOMPARE(int(rgb[0]), clamp((298 * c + 409 * v - 52224) >> 8));
+            QCOMPARE(int(rgb[1]), clamp((298 * c - 100 * u - 208 * v + 39552) >> 8));
+            QCOMPARE(int(rgb[2]), clamp((298 * c + 516 * u - 65920) >> 8));
+        }
+    }
+
+    void chromaIsReadAtHalfPositions()
+    {
+        // 4x2 frame: left chroma sample red-ish, right one blue-ish.
+        auto data = solid(4, 2, 120, 128, 128);
+        data[8] = 90;   // U, left
+        data[9] = 240;  // U, right
+        data[10] = 240; // V, left
+        data[11] = 110; // V, right
+        const QImage image = yuv420ToImage(data.data(), 4, 2);
+        for (int row = 0; row < 2; ++row) {
+            QCOMPARE(image.pixelColor(0, row), image.pixelColor(1, row));
+            QCOMPARE(image.pixelColor(2, row), image.pixelColor(3, row));
+            QVERIFY(image.pixelColor(0, row).red() > image.pixelColor(0, row).blue());
+            QVERIFY(image.pixelColor(3, row).blue() > image.pixelColor(3, row).red());
+        }
+    }
+
+    void oddSizesUseTheirRealChromaRows()
+    {
+        // 3x3: chroma planes are 2x2. Only the bottom-right chroma sample is blue-ish, so
+        // exactly pixel (2, 2) turns blue; a row length of 1 would colour other pixels too.
+        auto data = solid(3, 3, 120, 128, 128);
+        data[9 + 3] = 240;  // U at chroma (1, 1)
+        data[13 + 3] = 110; // V at chroma (1, 1)
+        const QImage image = yuv420ToImage(data.data(), 3, 3);
+        for (int y = 0; y < 3; ++y)
+            for (int x = 0; x < 3; ++x) {
+                const QColor c = image.pixelColor(x, y);
+                const bool blue = c.blue() > c.red() + 50;
+                QCOMPARE(blue, x == 2 && y == 2);
+            }
+    }
+
+    void emptyInputGivesNullImage()
+    {
+        QVERIFY(yuv420ToImage(nullptr, 10, 10).isNull());
+        const auto data = solid(2, 2, 16, 128, 128);
+        QVERIFY(yuv420ToImage(data.data(), 0, 2).isNull());
+    }
+
+    void grabbedFrameMatchesTheLibraryConversion_data()
+    {
+        QTest::addColumn<int>("width");
+        QTest::addColumn<int>("height");
+        QTest::newRow("even") << 320 << 240;
+        QTest::newRow("odd") << 853 << 481;
+    }
+    void grabbedFrameMatchesTheLibraryConversion()
+    {
+        QFETCH(int, width);
+        QFETCH(int, height);
+        const QString dir = TestMedia::scratchDir("rgb");
+        const QString video = dir + "/v.mp4";
+        QVERIFY(TestMedia::ffmpeg({"-f", "lavfi", "-i",
+                                   QStringLiteral("testsrc=size=%1x%2:duration=1").arg(width).arg(height),
+                                   "-pix_fmt", "yuv444p", video}));
+        // The reference goes through 4:2:0 too, so only the chroma interpolation differs.
+        const QString rgbFile = dir + "/ref.rgb";
+        QVERIFY(TestMedia::ffmpeg({"-i", video, "-frames:v", "1", "-vf", "format=yuv420p", "-pix_fmt",
+                                   "rgb24", "-f", "rawvideo", rgbFile}));
+        QFile f(rgbFile);
+        QVERIFY(f.open(QIODevice::ReadOnly));
+        const QByteArray ref = f.readAll();
+        QCOMPARE(ref.size(), width * height * 3);
+
+        uint8_t* raw = nullptr;
+        int w = 0, h = 0;
+        FrameGrabber::grab(video, 0.0, &raw, &w, &h);
+        ff::AvBufferPtr buffer(raw);
+        QVERIFY(buffer);
+        const QImage image = yuv420ToImage(buffer.get(), w, h);
+        double sum = 0;
+        for (int y = 0; y < h; ++y) {
+            const uint8_t* line = image.constScanLine(y);
+            const auto* refLine = reinterpret_cast<const uint8_t*>(ref.constData()) + y * w * 3;
+            for (int x = 0; x < w * 3; ++x)
+                sum += std::abs(int(line[x]) - int(refLine[x]));
+        }
+        // Same matrix and range; the library interpolates chroma, this formula repeats it.
+        QVERIFY2(sum / ref.size() < 3.0, qPrintable(QString::number(sum / ref.size())));
+    }
+};
+
+QTEST_GUILESS_MAIN(TestYuvToRgb)
+#include "tst_yuvtorgb.moc"
