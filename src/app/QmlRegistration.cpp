@@ -5,6 +5,7 @@
 #include "FileHelper.h"
 #include "FileModel.h"
 #include "ImageProvider.h"
+#include "MpvView.h"
 #include "SqlHelper.h"
 #include "ThumbnailItem.h"
 #include "VideoHistoryModel.h"
@@ -48,7 +49,9 @@ void registerQmlTypes()
     qmlRegisterSingletonType<ImageProvider>(
         kUri, 1, 0, "ImageProvider", [](QQmlEngine*, QJSEngine*) { return shared(ImageProvider::instance()); });
 
-    // Creatable items, in table order.
+    // Creatable types, in table order.
+    MpvController::registerMetaTypes();
+    qmlRegisterType<MpvView>(kUri, 1, 0, "MpvView");
     qmlRegisterType<ThumbnailItem>(kUri, 1, 0, "ThumbnailItem");
     qmlRegisterType<YUVPaintedItem>(kUri, 1, 0, "YUVPaintedItem");
     qmlRegisterType<VideoHistoryModel>(kUri, 1, 0, "VideoHistoryModel");

@@ -160,6 +160,15 @@ double SqlHelper::getLastPosition(const QString& url)
     return statement.step() == SQLITE_ROW ? statement.columnDouble(0) : 0.0;
 }
 
+double SqlHelper::getDuration(const QString& url)
+{
+    SqlStatement statement(m_db, "SELECT duration FROM video_history WHERE url = ?");
+    if (!statement.isValid())
+        return 0.0;
+    statement.bindText(1, url);
+    return statement.step() == SQLITE_ROW ? statement.columnDouble(0) : 0.0;
+}
+
 QList<QVariantMap> SqlHelper::getVideoHistory(int limit)
 {
     SqlStatement statement(m_db,

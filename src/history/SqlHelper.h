@@ -29,6 +29,8 @@ public:
     Q_INVOKABLE bool deleteVideoByUrl(const QString& url);
     Q_INVOKABLE bool setVideoTop(const QString& url, bool top);
     Q_INVOKABLE double getLastPosition(const QString& url);
+    // The stored duration in seconds; 0.0 when there is no row.
+    double getDuration(const QString& url);
     Q_INVOKABLE QList<QVariantMap> getVideoHistory(int limit);
     Q_INVOKABLE bool clearHistory();
 

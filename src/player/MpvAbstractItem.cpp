@@ -1,0 +1,100 @@
+#include "MpvAbstractItem.h"
+
+#include "MpvRenderer.h"
+#include "MpvSession.h"
+
+#include <QThread>
+
+MpvAbstractItem::MpvAbstractItem(QQuickItem* parent) : QQuickFramebufferObject(parent)
+{
+    m_thread = new QThread;
+    m_thread->start(QThread::InheritPriority);
+    m_controller = new MpvController;
+    m_controller->moveToThread(m_thread);
+    QMetaObject::invokeMethod(m_controller, &MpvController::init, Qt::BlockingQueuedConnection);
+
+    m_session = std::make_shared<MpvSession>(m_controller->mpv());
+    m_session->attachItem(this);
+
+    connect(m_thread, &QThread::finished, m_controller, &QObject::deleteLater);
+    connect(this, &MpvAbstractItem::observeProperty, m_controller, &MpvController::observeProperty,
+            Qt::QueuedConnection);
+    connect(this, &MpvAbstractItem::setProperty, m_controller, &MpvController::setProperty,
+            Qt::QueuedConnection);
+    connect(this, &MpvAbstractItem::command, m_controller, &MpvController::command, Qt::QueuedConnection);
+}
+
+MpvAbstractItem::~MpvAbstractItem()
+{
+    // Stop event delivery first, so nothing on the controller thread still uses the handle
+    // when the core ends.
+    mpv_set_wakeup_callback(m_controller->mpv(), nullptr, nullptr);
+    m_thread->quit();
+    m_thread->wait();
+    delete m_thread;
+    // Ends the core now, or leaves that to the renderer once it has freed the render context.
+    m_session->releaseItem();
+}
+
+QQuickFramebufferObject::Renderer* MpvAbstractItem::createRenderer() const
+{
+    return new MpvRenderer(const_cast<MpvAbstractItem*>(this));
+}
+
+int MpvAbstractItem::setPropertyBlocking(const QString& property, const QVariant& value)
+{
+    int result = 0;
+    QMetaObject::invokeMethod(
+        m_controller, [this, property, value] { return m_controller->setProperty(property, value); },
+        Qt::BlockingQueuedConnection, &result);
+    return result;
+}
+
+void MpvAbstractItem::setPropertyAsync(const QString& property, const QVariant& value, int id)
+{
+    QMetaObject::invokeMethod(
+        m_controller, [this, property, value, id] { m_controller->setPropertyAsync(property, value, id); },
+        Qt::QueuedConnection);
+}
+
+QVariant MpvAbstractItem::getProperty(const QString& property)
+{
+    QVariant result;
+    QMetaObject::invokeMethod(
+        m_controller, [this, property] { return m_controller->getProperty(property); },
+        Qt::BlockingQueuedConnection, &result);
+    return result;
+}
+
+void MpvAbstractItem::getPropertyAsync(const QString& property, int id)
+{
+    QMetaObject::invokeMethod(
+        m_controller, [this, property, id] { m_controller->getPropertyAsync(property, id); },
+        Qt::QueuedConnection);
+}
+
+QVariant MpvAbstractItem::commandBlocking(const QVariant& params)
+{
+    QVariant result;
+    QMetaObject::invokeMethod(
+        m_controller, [this, params] { return m_controller->command(params); }, Qt::BlockingQueuedConnection,
+        &result);
+    return result;
+}
+
+void MpvAbstractItem::commandAsync(const QVariant& params, int id)
+{
+    QMetaObject::invokeMethod(
+        m_controller, [this, params, id] { m_controller->commandAsync(params, id); }, Qt::QueuedConnection);
+}
+
+QString MpvAbstractItem::expandText(const QString& text)
+{
+    return commandBlocking(QVariantList{QStringLiteral("expand-text"), text}).toString();
+}
+
+void MpvAbstractItem::unobserveProperty(uint64_t id)
+{
+    QMetaObject::invokeMethod(
+        m_controller, [this, id] { m_controller->unobserveProperty(id); }, Qt::QueuedConnection);
+}

@@ -1,0 +1,200 @@
+#include "MpvController.h"
+#include "TestMedia.h"
+
+#include <QFile>
+#include <QSignalSpy>
+#include <QThread>
+#include <QtTest>
+
+// The controller against a real libmpv, on media generated here; audio and video output
+// go to libmpv's null outputs.
+class TestMpvController : public QObject
+{
+    Q_OBJECT
+
+private:
+    QString m_dir;
+    QString m_clip;    // 1 s, audio and video
+    QString m_longer;  // 6 s
+    QThread m_thread;
+    MpvController* m_mpv = nullptr;
+    QStringList m_sequence;
+
+    void load(const QString& path) { m_mpv->command(QVariantList{"loadfile", path}); }
+
+private slots:
+    void initTestCase()
+    {
+        m_dir = TestMedia::scratchDir("controller");
+        m_clip = m_dir + "/clip.mp4";
+        m_longer = m_dir + "/longer.mp4";
+        QVERIFY(TestMedia::makeVideo(m_clip, 1.0, 160, 120, 25));
+        QVERIFY(TestMedia::makeVideo(m_longer, 6.0, 160, 120, 25));
+        // The option file is read from the working directory; this one also proves it is read.
+        QDir::setCurrent(m_dir);
+        QFile conf("mpvqt.conf");
+        QVERIFY(conf.open(QIODevice::WriteOnly));
+        conf.write("ao=null\nvolume=37\n");
+        conf.close();
+
+        m_thread.start();
+        m_mpv = new MpvController;
+        m_mpv->moveToThread(&m_thread);
+        QMetaObject::invokeMethod(m_mpv, &MpvController::init, Qt::BlockingQueuedConnection);
+        QVERIFY(m_mpv->mpv());
+        QCOMPARE(m_mpv->setProperty("vo", "null"), 0);
+        QCOMPARE(m_mpv->setProperty("ao", "null"), 0);
+
+        connect(m_mpv, &MpvController::fileStarted, this, [this] { m_sequence << "started"; });
+        connect(m_mpv, &MpvController::fileLoaded, this, [this] { m_sequence << "loaded"; });
+        connect(m_mpv, &MpvController::endFile, this, [this](const QString& r) { m_sequence << "end:" + r; });
+    }
+
+    void cleanupTestCase()
+    {
+        mpv_handle* handle = m_mpv->mpv();
+        mpv_set_wakeup_callback(handle, nullptr, nullptr);
+        connect(&m_thread, &QThread::finished, m_mpv, &QObject::deleteLater);
+        m_thread.quit();
+        m_thread.wait();
+        mpv_terminate_destroy(handle);
+    }
+
+    void init() { m_sequence.clear(); }
+
+    void optionFileBesideTheProgramIsRead()
+    {
+        QCOMPARE(m_mpv->getProperty("volume").toDouble(), 37.0);
+    }
+
+    void aFilePlayedToTheEndReportsStartLoadAndEof()
+    {
+        load(m_clip);
+        QTRY_COMPARE_WITH_TIMEOUT(m_sequence.size(), 3, 15000);
+        QCOMPARE(m_sequence, (QStringList{"started", "loaded", "end:eof"}));
+    }
+
+    void aUserStopReportsNoEnd()
+    {
+        QSignalSpy idle(m_mpv, &MpvController::propertyChanged);
+        load(m_longer);
+        QTRY_VERIFY_WITH_TIMEOUT(m_sequence.contains("loaded"), 15000);
+        m_mpv->observeProperty("idle-active", MPV_FORMAT_FLAG, 7);
+        m_mpv->command(QVariantList{"stop"});
+        // Idle again means the file has ended completely; its end event came before.
+        QTRY_VERIFY_WITH_TIMEOUT(
+            std::any_of(idle.cbegin(), idle.cend(),
+                        [](const QList<QVariant>& a) { return a.at(0) == "idle-active" && a.at(1).toBool(); }),
+            10000);
+        QTest::qWait(200);
+        QCOMPARE(m_sequence, (QStringList{"started", "loaded"}));
+        m_mpv->unobserveProperty(7);
+    }
+
+    void brokenAndMissingFilesEndWithError_data()
+    {
+        QTest::addColumn<QByteArray>("content");
+        QTest::newRow("not media") << QByteArray("this is only text\n").repeated(200);
+        QTest::newRow("empty") << QByteArray();
+        QTest::newRow("missing") << QByteArray("-");
+    }
+
+    void brokenAndMissingFilesEndWithError()
+    {
+        QFETCH(QByteArray, content);
+        const QString path = m_dir + "/broken-" + QString::number(qHash(content)) + ".mp4";
+        if (content != "-") {
+            QFile file(path);
+            QVERIFY(file.open(QIODevice::WriteOnly));
+            file.write(content);
+        }
+        load(path);
+        QTRY_VERIFY_WITH_TIMEOUT(m_sequence.contains("end:error"), 15000);
+        QVERIFY(!m_sequence.contains("end:eof"));
+    }
+
+    void anUnavailablePropertyArrivesAsAnInvalidValue()
+    {
+        QSignalSpy changes(m_mpv, &MpvController::propertyChanged);
+        m_mpv->observeProperty("duration", MPV_FORMAT_DOUBLE, 3);
+        load(m_clip);
+        QTRY_VERIFY_WITH_TIMEOUT(m_sequence.contains("end:eof"), 15000);
+        QTest::qWait(200);
+        QList<QVariant> values;
+        for (const QList<QVariant>& args : changes)
+            if (args.at(0) == "duration")
+                values << args.at(1);
+        m_mpv->unobserveProperty(3);
+        // Unavailable before the file, about 1 s while it plays, unavailable again after it.
+        QVERIFY(values.size() >= 3);
+        QVERIFY(!values.first().isValid());
+        QVERIFY(std::any_of(values.cbegin(), values.cend(),
+                            [](const QVariant& v) { return v.isValid() && qAbs(v.toDouble() - 1.0) < 0.1; }));
+        QVERIFY(!values.last().isValid());
+    }
+
+    void failuresComeBackAsErrorReturn()
+    {
+        const QVariant missing = m_mpv->getProperty("no-such-property");
+        QCOMPARE(missing.userType(), qMetaTypeId<ErrorReturn>());
+        QCOMPARE(missing.value<ErrorReturn>().error, int(MPV_ERROR_PROPERTY_NOT_FOUND));
+
+        const QVariant badCommand = m_mpv->command(QVariantList{"no-such-command"});
+        QCOMPARE(badCommand.userType(), qMetaTypeId<ErrorReturn>());
+        QVERIFY(badCommand.value<ErrorReturn>().error < 0);
+
+        QVERIFY(m_mpv->setProperty("volume", "loud") < 0);
+        QVERIFY(m_mpv->setProperty("no-such-property", 1) < 0);
+
+        // Successes: values come back converted, text unchanged in both directions.
+        QCOMPARE(m_mpv->setProperty("title", "标题 ✓"), 0);
+        QCOMPARE(m_mpv->getProperty("title"), QVariant(QString("标题 ✓")));
+        QCOMPARE(m_mpv->command(QVariantList{"expand-text", "v=${volume}"}), QVariant(QString("v=37")));
+    }
+
+    void asyncRepliesCarryTheirIdAndResult()
+    {
+        QSignalSpy replies(m_mpv, &MpvController::asyncReply);
+        QMetaObject::invokeMethod(m_mpv, [this] { m_mpv->getPropertyAsync("volume", 11); });
+        QMetaObject::invokeMethod(m_mpv, [this] { m_mpv->commandAsync(QVariantList{"expand-text", "x"}, 12); });
+        QMetaObject::invokeMethod(m_mpv, [this] { m_mpv->setPropertyAsync("volume", "loud", 13); });
+        QTRY_COMPARE_WITH_TIMEOUT(replies.count(), 3, 5000);
+        QMap<quint64, QList<QVariant>> byId;
+        for (const QList<QVariant>& args : replies)
+            byId.insert(args.at(1).value<mpv_event>().reply_userdata, args);
+        QCOMPARE(byId.value(11).at(0).toDouble(), 37.0);
+        QCOMPARE(byId.value(12).at(0).toString(), QString("x"));
+        QVERIFY(!byId.value(13).at(0).isValid());
+        QVERIFY(byId.value(13).at(1).value<mpv_event>().error < 0);
+        QCOMPARE(byId.value(11).at(1).value<mpv_event>().event_id, MPV_EVENT_GET_PROPERTY_REPLY);
+    }
+
+    // A controller on this thread, so the event handler runs exactly when the test says.
+    void eventsQueuedAtOneWakeupAllArriveInOneRun()
+    {
+        MpvController local;
+        local.init();
+        QCOMPARE(local.setProperty("vo", "null"), 0);
+        QSignalSpy replies(&local, &MpvController::asyncReply);
+        for (int id = 1; id <= 5; ++id)
+            local.setPropertyAsync("volume", 10 * id, id);
+        // Let libmpv queue all five replies. No event loop may run meanwhile, so the posted
+        // wakeups stay unprocessed.
+        double volume = 0.0;
+        for (int i = 0; i < 500 && volume != 50.0; ++i) {
+            QThread::msleep(10);
+            mpv_get_property(local.mpv(), "volume", MPV_FORMAT_DOUBLE, &volume);
+        }
+        QCOMPARE(volume, 50.0);
+        QThread::msleep(100);
+        QVERIFY(QMetaObject::invokeMethod(&local, "eventHandler", Qt::DirectConnection));
+        QCOMPARE(replies.count(), 5);
+        for (int i = 0; i < 5; ++i)
+            QCOMPARE(replies.at(i).at(1).value<mpv_event>().reply_userdata, quint64(i + 1));
+        mpv_set_wakeup_callback(local.mpv(), nullptr, nullptr);
+        mpv_terminate_destroy(local.mpv());
+    }
+};
+
+QTEST_GUILESS_MAIN(TestMpvController)
+#include "tst_mpv_controller.moc"

@@ -1,0 +1,355 @@
+#include "MpvView.h"
+#include "SqlHelper.h"
+#include "TestMedia.h"
+
+#include <QFile>
+#include <QQuickWindow>
+#include <QSignalSpy>
+#include <QtTest>
+#include <memory>
+
+// MpvView end to end: a real window under the X server, Mesa's software OpenGL, real
+// libmpv, generated media, the real history database in the working directory.
+namespace {
+
+const QColor kRed(255, 0, 0);
+const QColor kBlue(0, 0, 255);
+const QColor kBlack(0, 0, 0);
+
+bool near(const QColor& a, const QColor& b)
+{
+    return qAbs(a.red() - b.red()) < 60 && qAbs(a.green() - b.green()) < 60 && qAbs(a.blue() - b.blue()) < 60;
+}
+
+struct Player
+{
+    std::unique_ptr<QQuickWindow> window;
+    MpvView* view = nullptr; // child of the window's content item
+};
+
+QVariantMap rowOf(const QString& url)
+{
+    for (const QVariantMap& row : SqlHelper::instance()->getVideoHistory(-1))
+        if (row.value("url").toString() == url)
+            return row;
+    return {};
+}
+
+} // namespace
+
+class TestMpvView : public QObject
+{
+    Q_OBJECT
+
+private:
+    QString m_dir;
+    QString m_pattern; // 640x360, red top half, blue bottom half, 4 s, with a tone
+    QString m_short;   // the same pattern, 1.5 s
+
+    static Player open(int width, int height)
+    {
+        Player player;
+        player.window = std::make_unique<QQuickWindow>();
+        player.window->resize(width, height);
+        player.view = new MpvView(player.window->contentItem());
+        player.view->setSize(QSizeF(width, height));
+        QSignalSpy initCompleted(player.view, &MpvView::initCompleted);
+        player.window->show();
+        initCompleted.wait(10000);
+        return player;
+    }
+
+    // Polls the window until every point shows its colour.
+    static bool showsColours(QQuickWindow* window, const QList<QPair<QPoint, QColor>>& expected,
+                             int timeoutMs = 10000)
+    {
+        QElapsedTimer timer;
+        timer.start();
+        while (timer.elapsed() < timeoutMs) {
+            const QImage image = window->grabWindow();
+            const bool all = std::all_of(expected.cbegin(), expected.cend(), [&](const QPair<QPoint, QColor>& e) {
+                return near(image.pixelColor(e.first), e.second);
+            });
+            if (all)
+                return true;
+            QTest::qWait(100);
+        }
+        const QImage image = window->grabWindow();
+        image.save(QDir::tempPath() + "/last-grab.png");
+        for (const auto& e : expected)
+            qWarning() << e.first << "is" << image.pixelColor(e.first).name() << "wanted" << e.second.name();
+        return false;
+    }
+
+    static QString url(const QString& path) { return QUrl::fromLocalFile(path).toString(); }
+
+private slots:
+    void initTestCase()
+    {
+        m_dir = TestMedia::scratchDir("view");
+        m_pattern = m_dir + "/pattern.mp4";
+        m_short = m_dir + "/short.mp4";
+        for (const auto& [path, seconds] : {std::pair<QString, double>{m_pattern, 4.0}, {m_short, 1.5}}) {
+            QVERIFY(TestMedia::ffmpeg(
+                {"-f", "lavfi", "-i", QString("color=c=red:s=640x180:r=25:d=%1").arg(seconds), "-f", "lavfi", "-i",
+                 QString("color=c=blue:s=640x180:r=25:d=%1").arg(seconds), "-f", "lavfi", "-i",
+                 QString("sine=frequency=440:duration=%1").arg(seconds), "-filter_complex", "[0][1]vstack[v]", "-map",
+                 "[v]", "-map", "2", "-pix_fmt", "yuv420p", "-g", "10", path}));
+        }
+        // Start-up makes the program's folder current: the option file and the history
+        // database live there. No audio device is needed.
+        QDir::setCurrent(m_dir);
+        QFile conf("mpvqt.conf");
+        QVERIFY(conf.open(QIODevice::WriteOnly));
+        conf.write("ao=null\n");
+    }
+
+    void init() { SqlHelper::instance()->clearHistory(); }
+
+    void playsThePatternUprightWithoutStartupMessages()
+    {
+        Player p = open(640, 360);
+        QSignalSpy started(p.view, &MpvView::fileStarted);
+        QSignalSpy loaded(p.view, &MpvView::fileLoaded);
+        QSignalSpy urlChanged(p.view, &MpvView::currentUrlChanged);
+        p.view->loadFile(m_pattern);
+        QCOMPARE(p.view->fileUrl(), url(m_pattern));
+        QCOMPARE(urlChanged.count(), 1);
+        QVERIFY(showsColours(p.window.get(), {{{320, 60}, kRed}, {{320, 300}, kBlue}, {{20, 20}, kRed}}));
+        QCOMPARE(started.count(), 1);
+        QCOMPARE(loaded.count(), 1);
+        QTRY_VERIFY(qAbs(p.view->duration() - 4.0) < 0.1);
+        QTRY_VERIFY(p.view->position() > 0.0);
+        // The initial state reported by libmpv is no user change.
+        QVERIFY(p.view->lastShownText().isEmpty());
+
+        const QVariantList audio = p.view->getAudioTracks();
+        QCOMPARE(audio.size(), 1);
+        QCOMPARE(audio.at(0).toMap().value("title").toString(), QString("Audio Track 1"));
+        QCOMPARE(audio.at(0).toMap().value("samplerate").toInt(), 44100);
+        QCOMPARE(p.view->audioTracks(), audio);
+        const QVariantList subtitles = p.view->getSubtitleTracks();
+        QCOMPARE(subtitles.size(), 1);
+        QCOMPARE(subtitles.at(0).toMap().value("id").toInt(), -1);
+        QCOMPARE(subtitles.at(0).toMap().value("title").toString(), QString("no subtitle"));
+        QCOMPARE(p.view->currentSubtitleTrack(), -1);
+        QCOMPARE(p.view->currentAudioTrack(), 1);
+        // Choosing what is already chosen says nothing.
+        p.view->setAudioTrack(1);
+        QVERIFY(p.view->lastShownText().isEmpty());
+        QCOMPARE(p.view->expandText("plain text"), QString("plain text"));
+        p.view->stop();
+    }
+
+    void userChangesShowTheirMessages()
+    {
+        Player p = open(640, 360);
+        p.view->loadFile(m_pattern);
+        QTRY_VERIFY_WITH_TIMEOUT(p.view->position() > 0.0, 10000);
+
+        struct Step
+        {
+            std::function<void()> act;
+            QString text;
+            std::function<bool()> state;
+        };
+        MpvView* v = p.view;
+        const QList<Step> steps{
+            {[v] { v->setPause(true); }, "❚❚ paused", [v] { return v->pause(); }},
+            {[v] { v->setPause(false); }, "▶ playing", [v] { return !v->pause(); }},
+            {[v] { v->setVolume(0); }, "🔊0%", [v] { return v->volume() == 0; }},
+            {[v] { v->setMute(true); }, "🔇 Muted", [v] { return v->mute(); }},
+            {[v] { v->setVolume(55); }, "🔊55%", [v] { return v->volume() == 55; }},
+            {[v] { v->setMute(false); }, "🔊 Unmuted", [v] { return !v->mute(); }},
+            {[v] { v->setSpeed(1.5); }, "🏃 1.5x", [v] { return v->speed() == 1.5; }},
+            {[v] { v->setSpeed(2); }, "🏃 2x", [v] { return v->speed() == 2.0; }},
+        };
+        for (const Step& step : steps) {
+            step.act();
+            QTRY_COMPARE_WITH_TIMEOUT(v->lastShownText(), step.text, 5000);
+            QVERIFY2(step.state(), qPrintable(step.text));
+        }
+        // Turning hardware decoding on where there is none: the mode changes, nothing is shown.
+        QSignalSpy hwdec(v, &MpvView::hwdecChanged);
+        v->setHwdecMode("auto-safe");
+        QTRY_COMPARE(v->hwdecMode(), QString("auto-safe"));
+        QTRY_COMPARE(hwdec.count(), 1);
+        QTest::qWait(300);
+        QCOMPARE(v->lastShownText(), QString("🏃 2x"));
+        v->stop();
+    }
+
+    void aspectChoicesApplyToThePicture()
+    {
+        // A 2:1 item shows the 16:9 video with side bars unless told otherwise.
+        Player p = open(800, 400);
+        p.view->loadFile(m_pattern);
+        QQuickWindow* w = p.window.get();
+        QVERIFY(showsColours(w, {{{20, 100}, kBlack}, {{100, 100}, kRed}, {{100, 300}, kBlue}}));
+
+        p.view->setAspectRatio(MpvView::RATIO4_3);
+        QCOMPARE(p.view->lastShownText(), QString("Aspect Ratio:4:3"));
+        QCOMPARE(p.view->aspectRatio(), MpvView::RATIO4_3);
+        QVERIFY(showsColours(w, {{{100, 100}, kBlack}, {{200, 100}, kRed}, {{700, 300}, kBlack}}));
+
+        p.view->setAspectRatio(MpvView::FILL);
+        QCOMPARE(p.view->lastShownText(), QString("Aspect Ratio:Full"));
+        QVERIFY(showsColours(w, {{{5, 100}, kRed}, {{795, 300}, kBlue}}));
+
+        p.view->setAspectRatio(MpvView::DEFAULT);
+        QCOMPARE(p.view->lastShownText(), QString("Aspect Ratio:default"));
+        QVERIFY(showsColours(w, {{{20, 100}, kBlack}, {{100, 100}, kRed}}));
+        p.view->stop();
+    }
+
+    void screenshotLandsInTheTemporaryFolder()
+    {
+        Player p = open(320, 180);
+        p.view->loadFile(m_pattern);
+        QTRY_VERIFY_WITH_TIMEOUT(p.view->position() > 0.2, 10000);
+        QSignalSpy taken(p.view, &MpvView::screenshotTaken);
+        p.view->getScreenshot();
+        QVERIFY(taken.wait(10000));
+        const QUrl fileUrl(taken.at(0).at(0).toString());
+        QVERIFY(fileUrl.isLocalFile());
+        const QFileInfo file(fileUrl.toLocalFile());
+        QCOMPARE(file.absolutePath(), QDir(QDir::tempPath() + "/screenshots").absolutePath());
+        QVERIFY(file.fileName().startsWith("screenshot_"));
+        // At the video's own size, upright.
+        const QImage image(file.absoluteFilePath());
+        QCOMPARE(image.size(), QSize(640, 360));
+        QVERIFY(near(image.pixelColor(320, 40), kRed));
+        QVERIFY(near(image.pixelColor(320, 320), kBlue));
+        QTRY_COMPARE(p.view->lastShownText(), QString("📷 ScreenShot saved"));
+        p.view->stop();
+    }
+
+    void historyFollowsLoadStopResumeAndEnd()
+    {
+        Player p = open(320, 180);
+        MpvView* v = p.view;
+        const QString u = url(m_pattern);
+
+        // Loading writes the row at once, before playback; the position is not known yet.
+        v->loadFile(m_pattern);
+        QVariantMap row = rowOf(u);
+        QCOMPARE(row.value("filename").toString(), QString("pattern.mp4"));
+        QCOMPARE(row.value("play_count").toInt(), 1);
+        QCOMPARE(row.value("last_position").toDouble(), -1.0);
+
+        // Stopping saves the position reached.
+        QTRY_VERIFY_WITH_TIMEOUT(v->position() > 1.5, 10000);
+        v->stop();
+        QVERIFY(v->fileUrl().isEmpty());
+        row = rowOf(u);
+        const double saved = row.value("last_position").toDouble();
+        QVERIFY2(saved > 1.5 && saved < 3.0, qPrintable(QString::number(saved)));
+        QVERIFY(qAbs(row.value("duration").toDouble() - 4.0) < 0.1);
+        QCOMPARE(row.value("play_count").toInt(), 2);
+
+        // Loading again keeps the resume point and continues from there.
+        QSignalSpy loaded(v, &MpvView::fileLoaded);
+        v->loadFile(u);
+        QCOMPARE(rowOf(u).value("last_position").toDouble(), saved);
+        QVERIFY(qAbs(rowOf(u).value("duration").toDouble() - 4.0) < 0.1);
+        QVERIFY(loaded.wait(10000));
+        QTest::qWait(300);
+        const double resumedAt = v->getProperty("time-pos").toDouble();
+        QVERIFY2(resumedAt >= saved - 0.1, qPrintable(QString::number(resumedAt)));
+
+        // Reaching the end saves position 0 (start over next time) and announces the end.
+        QSignalSpy ended(v, &MpvView::playEnd);
+        QVERIFY(ended.wait(10000));
+        QVERIFY(v->fileUrl().isEmpty());
+        row = rowOf(u);
+        QCOMPARE(row.value("last_position").toDouble(), 0.0);
+        QCOMPARE(row.value("play_count").toInt(), 5);
+        QCOMPARE(SqlHelper::instance()->getVideoHistory(-1).size(), 1);
+
+        // A finished file starts from the beginning.
+        v->loadFile(u);
+        QVERIFY(loaded.wait(10000));
+        QTest::qWait(300);
+        QVERIFY(v->getProperty("time-pos").toDouble() < 1.0);
+        v->stop();
+    }
+
+    void deletingTheRowOfThePlayingFileStopsIt()
+    {
+        Player p = open(320, 180);
+        p.view->loadFile(m_short);
+        QTRY_VERIFY_WITH_TIMEOUT(p.view->position() > 0.2, 10000);
+        p.view->deleteVideoByUrl(url(m_short));
+        QVERIFY(p.view->fileUrl().isEmpty());
+        QVERIFY(rowOf(url(m_short)).isEmpty());
+    }
+
+    void badFilesEndQuietlyAndThePlayerGoesOn()
+    {
+        Player p = open(320, 180);
+        const QString empty = m_dir + "/empty.mp4";
+        const QString text = m_dir + "/text.mkv";
+        QFile(empty).open(QIODevice::WriteOnly);
+        QFile textFile(text);
+        QVERIFY(textFile.open(QIODevice::WriteOnly));
+        textFile.write(QByteArray("not a video at all\n").repeated(100));
+        textFile.close();
+
+        QSignalSpy ended(p.view, &MpvView::playEnd);
+        for (const QString& path : {m_dir + "/missing.mp4", empty, text}) {
+            p.view->loadFile(path);
+            QVERIFY2(ended.wait(10000), qPrintable(path));
+            QVERIFY(p.view->fileUrl().isEmpty());
+        }
+        QCOMPARE(SqlHelper::instance()->getVideoHistory(-1).size(), 3);
+
+        // A file deleted while it plays.
+        const QString doomed = m_dir + "/doomed.mp4";
+        QVERIFY(QFile::copy(m_short, doomed));
+        p.view->loadFile(doomed);
+        QTRY_VERIFY_WITH_TIMEOUT(p.view->position() > 0.2, 10000);
+        QVERIFY(QFile::remove(doomed));
+        QVERIFY(ended.wait(10000));
+
+        p.view->loadFile(m_pattern);
+        QVERIFY(showsColours(p.window.get(), {{{160, 20}, kRed}, {{160, 160}, kBlue}}));
+        p.view->stop();
+    }
+
+    void aBrokenOptionFileDoesNotStopPlayback()
+    {
+        QFile conf("mpvqt.conf");
+        QVERIFY(conf.open(QIODevice::WriteOnly));
+        conf.write("ao=null\nno-such-option=1\nvolume=loud\n[[[\n\xff\xfe\n");
+        conf.close();
+        Player p = open(320, 180);
+        p.view->loadFile(m_pattern);
+        const bool shown = showsColours(p.window.get(), {{{160, 20}, kRed}, {{160, 160}, kBlue}});
+        QVERIFY(conf.open(QIODevice::WriteOnly));
+        conf.write("ao=null\n");
+        conf.close();
+        QVERIFY(shown);
+        p.view->stop();
+    }
+
+    void theViewCanGoWhileItsWindowStays()
+    {
+        Player p = open(320, 180);
+        p.view->loadFile(m_pattern);
+        QVERIFY(showsColours(p.window.get(), {{{160, 20}, kRed}}));
+        delete p.view;
+        QTest::qWait(300);
+        (void)p.window->grabWindow();
+
+        p.view = new MpvView(p.window->contentItem());
+        p.view->setSize(QSizeF(320, 180));
+        QSignalSpy initCompleted(p.view, &MpvView::initCompleted);
+        QVERIFY(initCompleted.wait(10000));
+        p.view->loadFile(m_pattern);
+        QVERIFY(showsColours(p.window.get(), {{{160, 20}, kRed}, {{160, 160}, kBlue}}));
+        p.view->stop();
+    }
+};
+
+QTEST_MAIN(TestMpvView)
+#include "tst_mpv_view.moc"
