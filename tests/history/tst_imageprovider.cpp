@@ -4,6 +4,8 @@
 #include "YuvToRgb.h"
 
 #include <QFile>
+#include <QQmlComponent>
+#include <QQmlEngine>
 #include <QUrl>
 #include <atomic>
 #include <thread>
@@ -57,6 +59,7 @@ private slots:
     void badInputLeavesThePreviousPicture();
     void concurrentLoadsAndReadsDoNotRace();
     void jobsFinishingAfterTheProviderIsGoneDropTheirPicture();
+    void qmlImagesLoadByKeyThroughTheEngine();
 
 private:
     // A one-second clip of one solid colour, stored losslessly so colours are exact.
@@ -232,6 +235,41 @@ void ImageProviderTest::jobsFinishingAfterTheProviderIsGoneDropTheirPicture()
     // deleted provider (the sanitizer builds catch it if one does).
     QVERIFY(m_log.waitFor(done, before + 4));
     QTest::qWait(50);
+}
+
+void ImageProviderTest::qmlImagesLoadByKeyThroughTheEngine()
+{
+    auto engine = std::make_unique<QQmlEngine>();
+    auto* provider = new ImageProvider;
+    engine->addImageProvider("ImageProvider", provider); // the engine owns it from here
+    LoadedKeys loaded(provider);
+    provider->loadThumbnail(3, m_blue, 0.0, "CVideoCard");
+    QTRY_COMPARE_WITH_TIMEOUT(loaded.keys.size(), 1, 20000);
+
+    // As a delegate does it: the key from the signal behind the provider's URL, loaded on the
+    // engine's image thread.
+    QQmlComponent component(engine.get());
+    component.setData(
+        "import QtQuick 2.15\n"
+        "Item {\n"
+        "  property alias known: known\n"
+        "  property alias unknown: unknown\n"
+        "  Image { id: known; asynchronous: true; source: 'image://ImageProvider/" +
+            loaded.keys.at(0).toUtf8() +
+            "' }\n"
+            "  Image { id: unknown; asynchronous: true; source: 'image://ImageProvider/CVideoCard4.png' }\n"
+            "}\n",
+        QUrl());
+    std::unique_ptr<QObject> root(component.create());
+    QVERIFY2(root, qPrintable(component.errorString()));
+    auto* known = root->property("known").value<QObject*>();
+    auto* unknown = root->property("unknown").value<QObject*>();
+    const int ready = 1, error = 3; // QQuickImageBase::Status
+    QTRY_COMPARE_WITH_TIMEOUT(known->property("status").toInt(), ready, 10000);
+    QCOMPARE(known->property("sourceSize").toSize(), QSize(64, 48));
+    QTRY_COMPARE_WITH_TIMEOUT(unknown->property("status").toInt(), error, 10000);
+    root.reset();
+    engine.reset(); // deletes the provider with it
 }
 
 QTEST_MAIN(ImageProviderTest)
