@@ -97,20 +97,12 @@ struct YUVPaintedItem::GlState
                         plane.constData());
     }
 
-    // With the owning context current.
+    // Render thread, normally with the owning context current; without one the objects are
+    // left to the context's own destruction.
     void release()
     {
         if (initialized && QOpenGLContext::currentContext())
             gl.glDeleteTextures(3, textures);
-        program.reset();
-        initialized = false;
-        failed = false;
-        hasPicture = false;
-    }
-
-    // The context is gone: its objects went with it.
-    void forget()
-    {
         program.reset();
         initialized = false;
         failed = false;
@@ -183,9 +175,9 @@ void YUVPaintedItem::geometryChanged(const QRectF& newGeometry, const QRectF& ol
 void YUVPaintedItem::itemChange(ItemChange change, const ItemChangeData& value)
 {
     if (change == ItemSceneChange && value.window) {
-        // A lost scene graph takes the context and every object in it along.
+        // The scene graph going away takes its context along; it is still current here.
         connect(
-            value.window, &QQuickWindow::sceneGraphInvalidated, this, [gl = m_gl]() { gl->forget(); },
+            value.window, &QQuickWindow::sceneGraphInvalidated, this, [gl = m_gl]() { gl->release(); },
             Qt::DirectConnection);
     }
     QQuickPaintedItem::itemChange(change, value);
