@@ -139,17 +139,11 @@ private slots:
         QTest::newRow("unknown option")
             << QStringList{"clip", "a.mp4", "o.mp4", "--start", "0", "--end", "1", "--fast"}
             << "Unknown option 'fast'.";
-        QTest::newRow("probe without file") << QStringList{"probe"} << "probe takes exactly one FILE";
         QTest::newRow("clip without end")
             << QStringList{"clip", "a.mp4", "o.mp4", "--start", "1"} << "clip needs --start and --end";
-        QTest::newRow("clip with a word for time")
-            << QStringList{"clip", "a.mp4", "o.mp4", "--start", "one", "--end", "2"}
-            << "--start is not a number of seconds: one";
         QTest::newRow("clip over its input")
             << QStringList{"clip", "a.mp4", "a.mp4", "--start", "0", "--end", "1"}
             << "OUT must not be the input file";
-        QTest::newRow("merge without inputs")
-            << QStringList{"merge", "o.mp4"} << "merge takes OUT and at least one IN";
         QTest::newRow("merge over an input")
             << QStringList{"merge", "a.mp4", "b.mp4", "a.mp4"} << "OUT must not be one of the inputs";
         QTest::newRow("thumbnail time")
@@ -164,8 +158,6 @@ private slots:
         QVERIFY2(r.err.startsWith("vidora-cli: " + message + "\n\nUsage: "), qPrintable(r.err));
         QCOMPARE(r.out, QString());
         QVERIFY(!QFile::exists(path("o.mp4")));
-        QCOMPARE(QFileInfo(path("a.mp4")).size(),
-                 QFileInfo(path("b.mp4")).size() * 0 + QFileInfo(path("a.mp4")).size());
     }
 
     void helpIsThereForTheProgramAndEachCommand()

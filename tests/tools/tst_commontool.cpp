@@ -129,17 +129,6 @@ private slots:
         QCOMPARE(fromWorker, CommonTool::instance());
         QCOMPARE(fromWorker->thread(), QCoreApplication::instance()->thread());
     }
-
-    void convertMapIsReadInKilobits()
-    {
-        const QVariantMap map{{"codecId", 27}, {"width", 640}, {"bitrate", 1500}, {"audioBitrate", 128}};
-        const VideoInfo info = VideoInfo::fromConvertMap(map);
-        QCOMPARE(info.codecId, 27);
-        QCOMPARE(info.width, 640);
-        QCOMPARE(info.height, 0);
-        QCOMPARE(info.bitrate, qint64(1500000));
-        QCOMPARE(info.audioBitrate, qint64(128000));
-    }
 };
 
 QTEST_GUILESS_MAIN(TestCommonTool)

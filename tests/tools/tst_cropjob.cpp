@@ -212,16 +212,6 @@ private slots:
         QVERIFY(log.contains(lvl::info, "Video cropping completed: failed"));
     }
 
-    void unknownOutputExtensionFails()
-    {
-        LogCapture log;
-        CommonTool tool;
-        SignalRecorder rec(tool);
-        QVERIFY(!tool.cropVideo(path("12s.mp4"), path("out.notaformat"), 0.0, 2.0));
-        QCOMPARE(rec.events, QStringList{"finished:false"});
-        QCOMPARE(log.lines(lvl::err), QStringList{"Could not create output context"});
-    }
-
     void unusualPathsWork()
     {
         const QString in = path("it's a 测试 clip.mp4");

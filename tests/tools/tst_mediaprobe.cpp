@@ -284,25 +284,6 @@ private slots:
         QCOMPARE(l.output->streams[0]->codecpar->height, 0);
         QCOMPARE(l.output->streams[1]->codecpar->width, 160);
     }
-
-    void everyOtherStreamKindIsCopied()
-    {
-        // A font attachment and a data track sit beside the video in Matroska.
-        const QString font = path("f.ttf");
-        QFile f(font);
-        QVERIFY(f.open(QIODevice::WriteOnly));
-        f.write(QByteArray(256, 'x'));
-        f.close();
-        const QString input = path("attach.mkv");
-        QVERIFY(make({"-i", path("v.mp4"), "-attach", font, "-metadata:s:t", "mimetype=font/ttf", "-c",
-                      "copy", input}));
-        LogCapture log;
-        Layout l = layout(input, "o.mkv");
-        QVERIFY(l.ok);
-        QCOMPARE(int(l.output->nb_streams), 2);
-        QVERIFY(log.contains(lvl::info, "Attachment stream (index=1)"));
-        QCOMPARE(l.output->streams[1]->codecpar->codec_type, AVMEDIA_TYPE_ATTACHMENT);
-    }
 };
 
 QTEST_GUILESS_MAIN(TestMediaProbe)
