@@ -29,6 +29,18 @@ Window {
     MpvView {
         id: player
         anchors.fill: parent
+        focus: true
+        Keys.onSpacePressed: player.pause = !player.pause
+        Keys.onLeftPressed: player.position = Math.max(0, player.position - 5)
+        Keys.onRightPressed: player.position = Math.min(player.duration, player.position + 5)
+        Keys.onUpPressed: player.volume = Math.min(100, player.volume + 5)
+        Keys.onDownPressed: player.volume = Math.max(0, player.volume - 5)
+        Keys.onPressed: {
+            if (event.key === Qt.Key_M)
+                player.mute = !player.mute
+            else if (event.key === Qt.Key_S)
+                player.getScreenshot()
+        }
         onReady: {
             root.isReady = true
             if (root.url.length > 0)

@@ -7,6 +7,10 @@
 
 MpvAbstractItem::MpvAbstractItem(QQuickItem* parent) : QQuickFramebufferObject(parent)
 {
+    // The framebuffer always has the item's size in device pixels, so nearest sampling shows
+    // it exactly, and it is much cheaper than filtering where OpenGL runs in software. The
+    // picture comes out upright without mirroring (libmpv is told not to flip).
+    setSmooth(false);
     m_thread = new QThread;
     m_thread->start(QThread::InheritPriority);
     m_controller = new MpvController;

@@ -4,7 +4,6 @@
 
 #include <QMetaObject>
 #include <clocale>
-#include <spdlog/spdlog.h>
 
 namespace {
 

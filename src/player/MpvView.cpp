@@ -91,6 +91,11 @@ MpvView::MpvView(QQuickItem* parent) : MpvAbstractItem(parent)
     connect(this, &MpvAbstractItem::ready, this, &MpvView::onReady);
 }
 
+MpvView::~MpvView()
+{
+    saveHistory(false);
+}
+
 void MpvView::onReady()
 {
     // The end-of-file flow (history row, next file) needs libmpv to end files and to stay
@@ -421,7 +426,9 @@ void MpvView::stop()
     if (m_currentUrl.isEmpty())
         return;
     saveHistory(false);
-    controller()->command(QVariantList{QStringLiteral("stop")});
+    // Queued on the controller's thread like the "loadfile" that may follow, so the two keep
+    // their order and the GUI never waits for libmpv to wind the file down.
+    emit command(QVariantList{QStringLiteral("stop")});
     m_currentUrl.clear();
     resetPlaybackState();
     emit currentUrlChanged();
@@ -447,7 +454,9 @@ void MpvView::resumePlayback()
     if (m_currentUrl.isEmpty() || m_pendingStarts > 0)
         return;
     const double resumeAt = SqlHelper::instance()->getLastPosition(m_currentUrl);
-    const double duration = readBack(QStringLiteral("duration")).toDouble();
+    // The duration as reported so far (no blocking read while libmpv sets up the first frame);
+    // the stored one stands in before the first report.
+    const double duration = m_duration > 0.0 ? m_duration : SqlHelper::instance()->getDuration(m_currentUrl);
     if (resumeAt <= 0.0 || (duration > 0.0 && resumeAt >= duration - kResumeEndMargin))
         return;
     emit setProperty(QStringLiteral("time-pos"), resumeAt);

@@ -45,6 +45,8 @@ public:
     Q_ENUM(ASPECT_RATIO)
 
     explicit MpvView(QQuickItem* parent = nullptr);
+    // Saves the playing file's resume point when the view goes without a stop().
+    ~MpvView() override;
 
     bool mute() const { return m_mute; }
     bool pause() const { return m_pause; }

@@ -81,8 +81,8 @@ private slots:
         QCOMPARE(store.getDuration("file:///v/unknown.mp4"), 0.0);
 
         // Every key the UI reads is present with its type.
-        const QStringList keys{"url",       "filename",        "last_position",    "duration",
-                               "thumbnail", "thumbnail_width", "thumbnail_height", "last_played",
+        const QStringList keys{"url",        "filename",        "last_position",    "duration",
+                               "thumbnail",  "thumbnail_width", "thumbnail_height", "last_played",
                                "play_count", "is_top"};
         for (const QString& key : keys)
             QVERIFY2(a.contains(key), qPrintable(key));
@@ -177,11 +177,12 @@ private slots:
     void oldSchemaIsMigratedOnOpen()
     {
         const QString path = freshPath("old.db");
-        QVERIFY(rawExec(path, "CREATE TABLE video_history (url TEXT PRIMARY KEY,filename TEXT NOT NULL,"
-                              "last_position REAL DEFAULT 0,duration REAL DEFAULT 0,thumbnail BLOB,"
-                              "last_played DATETIME DEFAULT CURRENT_TIMESTAMP,play_count INTEGER DEFAULT 0);"
-                              "INSERT INTO video_history (url, filename, last_position, duration, play_count) "
-                              "VALUES ('old', 'old.mp4', 12.0, 90.0, 3);"));
+        QVERIFY(rawExec(path,
+                        "CREATE TABLE video_history (url TEXT PRIMARY KEY,filename TEXT NOT NULL,"
+                        "last_position REAL DEFAULT 0,duration REAL DEFAULT 0,thumbnail BLOB,"
+                        "last_played DATETIME DEFAULT CURRENT_TIMESTAMP,play_count INTEGER DEFAULT 0);"
+                        "INSERT INTO video_history (url, filename, last_position, duration, play_count) "
+                        "VALUES ('old', 'old.mp4', 12.0, 90.0, 3);"));
         {
             SqlHelper store(path);
             const QList<QVariantMap> rows = store.getVideoHistory(-1);

@@ -14,8 +14,8 @@ class TestMpvController : public QObject
 
 private:
     QString m_dir;
-    QString m_clip;    // 1 s, audio and video
-    QString m_longer;  // 6 s
+    QString m_clip;   // 1 s, audio and video
+    QString m_longer; // 6 s
     QThread m_thread;
     MpvController* m_mpv = nullptr;
     QStringList m_sequence;
@@ -62,10 +62,7 @@ private slots:
 
     void init() { m_sequence.clear(); }
 
-    void optionFileBesideTheProgramIsRead()
-    {
-        QCOMPARE(m_mpv->getProperty("volume").toDouble(), 37.0);
-    }
+    void optionFileBesideTheProgramIsRead() { QCOMPARE(m_mpv->getProperty("volume").toDouble(), 37.0); }
 
     void aFilePlayedToTheEndReportsStartLoadAndEof()
     {
@@ -82,10 +79,11 @@ private slots:
         m_mpv->observeProperty("idle-active", MPV_FORMAT_FLAG, 7);
         m_mpv->command(QVariantList{"stop"});
         // Idle again means the file has ended completely; its end event came before.
-        QTRY_VERIFY_WITH_TIMEOUT(
-            std::any_of(idle.cbegin(), idle.cend(),
-                        [](const QList<QVariant>& a) { return a.at(0) == "idle-active" && a.at(1).toBool(); }),
-            10000);
+        QTRY_VERIFY_WITH_TIMEOUT(std::any_of(idle.cbegin(), idle.cend(),
+                                             [](const QList<QVariant>& a) {
+                                                 return a.at(0) == "idle-active" && a.at(1).toBool();
+                                             }),
+                                 10000);
         QTest::qWait(200);
         QCOMPARE(m_sequence, (QStringList{"started", "loaded"}));
         m_mpv->unobserveProperty(7);
@@ -156,7 +154,9 @@ private slots:
     {
         QSignalSpy replies(m_mpv, &MpvController::asyncReply);
         QMetaObject::invokeMethod(m_mpv, [this] { m_mpv->getPropertyAsync("volume", 11); });
-        QMetaObject::invokeMethod(m_mpv, [this] { m_mpv->commandAsync(QVariantList{"expand-text", "x"}, 12); });
+        QMetaObject::invokeMethod(m_mpv, [this] {
+            m_mpv->commandAsync(QVariantList{"expand-text", "x"}, 12);
+        });
         QMetaObject::invokeMethod(m_mpv, [this] { m_mpv->setPropertyAsync("volume", "loud", 13); });
         QTRY_COMPARE_WITH_TIMEOUT(replies.count(), 3, 5000);
         QMap<quint64, QList<QVariant>> byId;

@@ -67,9 +67,10 @@ private:
         timer.start();
         while (timer.elapsed() < timeoutMs) {
             const QImage image = window->grabWindow();
-            const bool all = std::all_of(expected.cbegin(), expected.cend(), [&](const QPair<QPoint, QColor>& e) {
-                return near(image.pixelColor(e.first), e.second);
-            });
+            const bool all =
+                std::all_of(expected.cbegin(), expected.cend(), [&](const QPair<QPoint, QColor>& e) {
+                    return near(image.pixelColor(e.first), e.second);
+                });
             if (all)
                 return true;
             QTest::qWait(100);
@@ -90,11 +91,29 @@ private slots:
         m_pattern = m_dir + "/pattern.mp4";
         m_short = m_dir + "/short.mp4";
         for (const auto& [path, seconds] : {std::pair<QString, double>{m_pattern, 4.0}, {m_short, 1.5}}) {
-            QVERIFY(TestMedia::ffmpeg(
-                {"-f", "lavfi", "-i", QString("color=c=red:s=640x180:r=25:d=%1").arg(seconds), "-f", "lavfi", "-i",
-                 QString("color=c=blue:s=640x180:r=25:d=%1").arg(seconds), "-f", "lavfi", "-i",
-                 QString("sine=frequency=440:duration=%1").arg(seconds), "-filter_complex", "[0][1]vstack[v]", "-map",
-                 "[v]", "-map", "2", "-pix_fmt", "yuv420p", "-g", "10", path}));
+            QVERIFY(TestMedia::ffmpeg({"-f",
+                                       "lavfi",
+                                       "-i",
+                                       QString("color=c=red:s=640x180:r=25:d=%1").arg(seconds),
+                                       "-f",
+                                       "lavfi",
+                                       "-i",
+                                       QString("color=c=blue:s=640x180:r=25:d=%1").arg(seconds),
+                                       "-f",
+                                       "lavfi",
+                                       "-i",
+                                       QString("sine=frequency=440:duration=%1").arg(seconds),
+                                       "-filter_complex",
+                                       "[0][1]vstack[v]",
+                                       "-map",
+                                       "[v]",
+                                       "-map",
+                                       "2",
+                                       "-pix_fmt",
+                                       "yuv420p",
+                                       "-g",
+                                       "10",
+                                       path}));
         }
         // Start-up makes the program's folder current: the option file and the history
         // database live there. No audio device is needed.

@@ -1,0 +1,434 @@
+// Playback and history figures, measured the same way for Vidora's player view and for the
+// mpv command-line player. Run by bench/player/playback.sh inside an X server; not a test.
+//
+//   bench_player ttff vidora|mpv FILE         time from the load request to the first frame
+//                                             on the X screen (one run, milliseconds)
+//   bench_player cpu vidora|mpv FILE SECONDS  CPU used while playing (percent of one core)
+//   bench_player history ROWS FILE            history writes at load and stop, GUI thread
+//   bench_player composite SECONDS            CPU of the scene graph alone: a framebuffer item
+//                                             that only clears, redrawn at 30 fps
+//
+// Both players get a 1280x720 window at the screen's top-left corner, no audio output and
+// software decoding. "First frame" is the moment a watched pixel of the window turns from
+// black to the picture, read from the X server by a thread with its own connection.
+// BENCH_NODEPTH=1 gives windows no depth and stencil buffers, to show what the scene graph
+// would save without them.
+#include "MpvView.h"
+#include "SqlHelper.h"
+
+#include <QDir>
+#include <QElapsedTimer>
+#include <QFile>
+#include <QGuiApplication>
+#include <QLocalSocket>
+#include <QOpenGLContext>
+#include <QOpenGLFramebufferObject>
+#include <QOpenGLFunctions>
+#include <QProcess>
+#include <QQuickWindow>
+#include <QSignalSpy>
+#include <QSurfaceFormat>
+#include <QTemporaryDir>
+#include <QThread>
+#include <QTimer>
+#include <X11/Xlib.h>
+#include <X11/Xutil.h>
+#include <algorithm>
+#include <atomic>
+#include <cstdio>
+#include <sqlite3.h>
+#include <thread>
+#include <unistd.h>
+
+namespace {
+
+constexpr int kWidth = 1280;
+constexpr int kHeight = 720;
+// Inside the first colour bar of a testsrc2 picture, clear of the time stamp.
+constexpr int kProbeX = 100;
+constexpr int kProbeY = 150;
+
+// Watches one screen pixel from its own thread and X connection; records when it stops
+// being black.
+class PixelWatch
+{
+public:
+    bool start()
+    {
+        m_display = XOpenDisplay(nullptr);
+        if (!m_display)
+            return false;
+        m_thread = std::thread([this] {
+            const Window root = DefaultRootWindow(m_display);
+            while (!m_stop) {
+                XImage* image = XGetImage(m_display, root, kProbeX, kProbeY, 1, 1, AllPlanes, ZPixmap);
+                if (image) {
+                    const unsigned long pixel = XGetPixel(image, 0, 0);
+                    XDestroyImage(image);
+                    const int sum = int((pixel >> 16) & 0xff) + int((pixel >> 8) & 0xff) + int(pixel & 0xff);
+                    if (sum > 150 && m_armed && m_seenAt < 0)
+                        m_seenAt = m_clock.nsecsElapsed();
+                }
+                std::this_thread::sleep_for(std::chrono::microseconds(500));
+            }
+        });
+        return true;
+    }
+    ~PixelWatch()
+    {
+        stop();
+        if (m_display)
+            XCloseDisplay(m_display);
+    }
+    void arm()
+    {
+        m_clock.start();
+        m_seenAt = -1;
+        m_armed = true;
+    }
+    // Milliseconds from arm() to the first non-black reading, or -1. The watch thread ends
+    // here, so it costs nothing during later measurements.
+    double waitMs(int timeoutMs)
+    {
+        QEventLoop loop;
+        QTimer poll;
+        QObject::connect(&poll, &QTimer::timeout, &loop, [&] {
+            if (m_seenAt >= 0)
+                loop.quit();
+        });
+        QTimer::singleShot(timeoutMs, &loop, &QEventLoop::quit);
+        poll.start(1);
+        loop.exec();
+        stop();
+        return m_seenAt < 0 ? -1.0 : double(m_seenAt) / 1e6;
+    }
+    void stop()
+    {
+        m_stop = true;
+        if (m_thread.joinable())
+            m_thread.join();
+    }
+
+private:
+    Display* m_display = nullptr;
+    std::thread m_thread;
+    std::atomic<bool> m_stop{false};
+    std::atomic<bool> m_armed{false};
+    std::atomic<qint64> m_seenAt{-1};
+    QElapsedTimer m_clock;
+};
+
+// User plus system CPU time of a process, in seconds.
+double cpuSeconds(qint64 pid)
+{
+    QFile stat(QStringLiteral("/proc/%1/stat").arg(pid));
+    if (!stat.open(QIODevice::ReadOnly))
+        return 0.0;
+    const QByteArray text = stat.readAll();
+    const QList<QByteArray> fields = text.mid(text.lastIndexOf(')') + 2).split(' ');
+    // Fields after the name: state is index 0, utime 11, stime 12.
+    return (fields.value(11).toDouble() + fields.value(12).toDouble()) / double(sysconf(_SC_CLK_TCK));
+}
+
+// Waits without spinning, so the bench itself adds no CPU to the player it measures.
+void pause(int ms)
+{
+    QEventLoop loop;
+    QTimer::singleShot(ms, &loop, &QEventLoop::quit);
+    loop.exec();
+}
+
+struct Vidora
+{
+    QQuickWindow window;
+    MpvView* view = nullptr;
+
+    bool open()
+    {
+        window.setFlags(Qt::FramelessWindowHint);
+        window.setGeometry(0, 0, kWidth, kHeight);
+        window.setColor(Qt::black);
+        view = new MpvView(window.contentItem());
+        view->setSize(QSizeF(kWidth, kHeight));
+        QSignalSpy ready(view, &MpvView::initCompleted);
+        window.show();
+        if (!ready.wait(15000))
+            return false;
+        pause(500);
+        return true;
+    }
+};
+
+struct MpvCli
+{
+    QProcess process;
+    QLocalSocket ipc;
+    QString socketPath;
+
+    bool open(const QString& dir, bool loop)
+    {
+        socketPath = dir + "/mpv.sock";
+        QStringList args{"--no-config",
+                         "--idle=yes",
+                         "--force-window=immediate",
+                         "--no-border",
+                         QStringLiteral("--geometry=%1x%2+0+0").arg(kWidth).arg(kHeight),
+                         "--ao=null",
+                         "--hwdec=no",
+                         "--osc=no",
+                         "--really-quiet",
+                         "--input-ipc-server=" + socketPath};
+        if (loop)
+            args << "--loop-file=inf";
+        process.start("mpv", args);
+        if (!process.waitForStarted(5000))
+            return false;
+        QElapsedTimer timer;
+        timer.start();
+        while (timer.elapsed() < 10000) {
+            ipc.connectToServer(socketPath);
+            if (ipc.waitForConnected(200))
+                break;
+            pause(50);
+        }
+        if (ipc.state() != QLocalSocket::ConnectedState)
+            return false;
+        pause(1500); // the window is mapped and drawn black
+        return true;
+    }
+    void load(const QString& file)
+    {
+        ipc.write(QStringLiteral("{\"command\":[\"loadfile\",\"%1\"]}\n").arg(file).toUtf8());
+        ipc.flush();
+    }
+    ~MpvCli()
+    {
+        if (ipc.state() == QLocalSocket::ConnectedState) {
+            ipc.write("{\"command\":[\"quit\"]}\n");
+            ipc.flush();
+            ipc.waitForBytesWritten(1000);
+        }
+        if (!process.waitForFinished(3000)) {
+            process.kill();
+            process.waitForFinished(3000);
+        }
+    }
+};
+
+int timeToFirstFrame(const QString& player, const QString& file, const QString& dir)
+{
+    PixelWatch watch;
+    if (!watch.start()) {
+        std::fprintf(stderr, "no X display\n");
+        return 2;
+    }
+    double ms = -1.0;
+    if (player == "vidora") {
+        Vidora vidora;
+        if (!vidora.open())
+            return 2;
+        watch.arm();
+        vidora.view->loadFile(file);
+        ms = watch.waitMs(15000);
+        vidora.view->stop();
+    } else {
+        MpvCli mpv;
+        if (!mpv.open(dir, false))
+            return 2;
+        watch.arm();
+        mpv.load(file);
+        ms = watch.waitMs(15000);
+    }
+    std::printf("%.1f\n", ms);
+    return ms < 0 ? 1 : 0;
+}
+
+int cpuWhilePlaying(const QString& player, const QString& file, const QString& dir, int seconds)
+{
+    PixelWatch watch;
+    watch.start();
+    double used = 0.0;
+    double wall = 0.0;
+    QString drops;
+    auto measure = [&](qint64 pid) {
+        pause(2000); // past start-up and the first second of decoding
+        QElapsedTimer timer;
+        const double before = cpuSeconds(pid);
+        timer.start();
+        pause(seconds * 1000);
+        used = cpuSeconds(pid) - before;
+        wall = double(timer.elapsed()) / 1000.0;
+    };
+    if (player == "vidora") {
+        Vidora vidora;
+        if (!vidora.open())
+            return 2;
+        vidora.view->setPropertyBlocking("loop-file", "inf");
+        watch.arm();
+        vidora.view->loadFile(file);
+        if (watch.waitMs(15000) < 0)
+            return 1;
+        measure(QCoreApplication::applicationPid());
+        drops = vidora.view->getProperty("frame-drop-count").toString();
+        vidora.view->stop();
+    } else {
+        MpvCli mpv;
+        if (!mpv.open(dir, true))
+            return 2;
+        watch.arm();
+        mpv.load(file);
+        if (watch.waitMs(15000) < 0)
+            return 1;
+        measure(mpv.process.processId());
+        mpv.ipc.readAll();
+        mpv.ipc.write("{\"command\":[\"get_property\",\"frame-drop-count\"]}\n");
+        mpv.ipc.waitForReadyRead(1000);
+        drops = QString::fromUtf8(mpv.ipc.readAll()).trimmed();
+    }
+    std::printf("%.1f %% (frame drops: %s)\n", 100.0 * used / wall, qPrintable(drops));
+    return 0;
+}
+
+// Median and maximum of a list of milliseconds.
+QString summary(QVector<double> ms)
+{
+    std::sort(ms.begin(), ms.end());
+    return QStringLiteral("median %1 ms, max %2 ms")
+        .arg(ms.at(ms.size() / 2), 0, 'f', 3)
+        .arg(ms.last(), 0, 'f', 3);
+}
+
+int historyWrites(int rows, const QString& file)
+{
+    // The store under test is the one the view uses: video_history.db in the current folder.
+    SqlHelper* store = SqlHelper::instance();
+    store->clearHistory();
+    sqlite3_exec(store->connection(), "BEGIN", nullptr, nullptr, nullptr);
+    for (int i = 0; i < rows; ++i)
+        store->saveVideoInfo(QStringLiteral("file:///media/video-%1.mp4").arg(i),
+                             QStringLiteral("video-%1.mp4").arg(i), 3600.0, i, QByteArray(2048, 'x'), 160,
+                             90);
+    sqlite3_exec(store->connection(), "COMMIT", nullptr, nullptr, nullptr);
+    std::printf("history table: %d rows\n", int(store->getVideoHistory(-1).size()));
+
+    QVector<double> update, insert, read;
+    QElapsedTimer timer;
+    for (int i = 0; i < 50; ++i) {
+        timer.start();
+        store->saveVideoInfo(QStringLiteral("file:///media/video-%1.mp4").arg(i * 97 % rows), "v.mp4", 3600.0,
+                             12.5, QByteArray(), 0, 0);
+        update << timer.nsecsElapsed() / 1e6;
+        timer.start();
+        store->saveVideoInfo(QStringLiteral("file:///media/new-%1.mp4").arg(i), "n.mp4", 10.0, -1.0,
+                             QByteArray(), 0, 0);
+        insert << timer.nsecsElapsed() / 1e6;
+        timer.start();
+        store->getLastPosition(QStringLiteral("file:///media/video-%1.mp4").arg(i * 31 % rows));
+        read << timer.nsecsElapsed() / 1e6;
+    }
+    std::printf("save of an existing row: %s\n", qPrintable(summary(update)));
+    std::printf("save of a new row:       %s\n", qPrintable(summary(insert)));
+    std::printf("resume position read:    %s\n", qPrintable(summary(read)));
+
+    // The calls the GUI thread makes when the user opens and stops a file.
+    Vidora vidora;
+    if (!vidora.open())
+        return 2;
+    QVector<double> load, stop;
+    for (int i = 0; i < 10; ++i) {
+        QSignalSpy loaded(vidora.view, &MpvView::fileLoaded);
+        timer.start();
+        vidora.view->loadFile(file);
+        load << timer.nsecsElapsed() / 1e6;
+        loaded.wait(10000);
+        pause(300);
+        timer.start();
+        vidora.view->stop();
+        stop << timer.nsecsElapsed() / 1e6;
+        pause(100);
+    }
+    std::printf("MpvView::loadFile on the GUI thread: %s\n", qPrintable(summary(load)));
+    std::printf("MpvView::stop on the GUI thread:     %s\n", qPrintable(summary(stop)));
+    return 0;
+}
+
+// What presenting a framebuffer item through the scene graph costs by itself: the share of
+// the player's CPU that the command-line player, drawing straight into its window, does not pay.
+class ClearRenderer : public QQuickFramebufferObject::Renderer
+{
+    void render() override
+    {
+        QOpenGLFunctions* gl = QOpenGLContext::currentContext()->functions();
+        gl->glClearColor(float(++m_frames % 2) * 0.5f, 0.2f, 0.3f, 1.0f);
+        gl->glClear(GL_COLOR_BUFFER_BIT);
+    }
+    QOpenGLFramebufferObject* createFramebufferObject(const QSize& size) override
+    {
+        return new QOpenGLFramebufferObject(size);
+    }
+    int m_frames = 0;
+};
+
+class ClearItem : public QQuickFramebufferObject
+{
+    Renderer* createRenderer() const override { return new ClearRenderer; }
+};
+
+int compositeOnly(int seconds)
+{
+    QQuickWindow window;
+    window.setGeometry(0, 0, kWidth, kHeight);
+    auto* item = new ClearItem;
+    item->setSmooth(false); // as the player's item
+    item->setParentItem(window.contentItem());
+    item->setSize(QSizeF(kWidth, kHeight));
+    window.show();
+    QTimer frames;
+    QObject::connect(&frames, &QTimer::timeout, item, &QQuickItem::update);
+    frames.start(33);
+    pause(2000);
+    const double before = cpuSeconds(QCoreApplication::applicationPid());
+    QElapsedTimer timer;
+    timer.start();
+    pause(seconds * 1000);
+    const double used = cpuSeconds(QCoreApplication::applicationPid()) - before;
+    std::printf("%.1f %%\n", 100.0 * used / (double(timer.elapsed()) / 1000.0));
+    return 0;
+}
+
+} // namespace
+
+int main(int argc, char* argv[])
+{
+    if (qEnvironmentVariableIsSet("BENCH_NODEPTH")) {
+        QSurfaceFormat format = QSurfaceFormat::defaultFormat();
+        format.setDepthBufferSize(0);
+        format.setStencilBufferSize(0);
+        QSurfaceFormat::setDefaultFormat(format);
+    }
+    QGuiApplication app(argc, argv);
+    QStringList args = app.arguments();
+    // Media paths are taken relative to the folder the bench was started from.
+    for (int i = 3; i < args.size(); ++i)
+        if (QFileInfo::exists(args.at(i)))
+            args[i] = QFileInfo(args.at(i)).absoluteFilePath();
+    QTemporaryDir dir;
+    QDir::setCurrent(dir.path());
+    QFile conf("mpvqt.conf");
+    conf.open(QIODevice::WriteOnly);
+    conf.write("ao=null\nhwdec=no\n");
+    conf.close();
+
+    const QString mode = args.value(1);
+    if (mode == "ttff" && args.size() == 4)
+        return timeToFirstFrame(args.at(2), args.at(3), dir.path());
+    if (mode == "cpu" && args.size() == 5)
+        return cpuWhilePlaying(args.at(2), args.at(3), dir.path(), args.at(4).toInt());
+    if (mode == "history" && args.size() == 4)
+        return historyWrites(args.at(2).toInt(), args.at(3));
+    if (mode == "composite" && args.size() == 3)
+        return compositeOnly(args.at(2).toInt());
+    std::fprintf(stderr, "usage: bench_player ttff vidora|mpv FILE | cpu vidora|mpv FILE SECONDS | "
+                         "history ROWS FILE | composite SECONDS\n");
+    return 2;
+}
