@@ -6,8 +6,9 @@
 // The conversion runs over whole rows in separate passes on contiguous arrays, so the compiler
 // vectorises each of them (the per-pixel form with x/2 chroma lookups and three-byte stores
 // did not vectorise and took ~25-40 ms for a 1080p frame; this takes ~1-3 ms). On x86-64
-// with GCC an AVX2 copy is built next to the baseline one and picked at load time.
-#if defined(__GNUC__) && !defined(__clang__) && defined(__x86_64__)
+// with GCC an AVX2 copy is built next to the baseline one and picked at load time (not under
+// ThreadSanitizer, whose instrumented resolver would run before its runtime is up).
+#if defined(__GNUC__) && !defined(__clang__) && defined(__x86_64__) && !defined(__SANITIZE_THREAD__)
 #define VIDORA_VECTOR_CLONES __attribute__((target_clones("avx2", "default")))
 #else
 #define VIDORA_VECTOR_CLONES
