@@ -1,0 +1,95 @@
+#include "ThumbnailItem.h"
+
+#include "CommonTool.h"
+#include "FileHelper.h"
+#include "ThreadPool.h"
+#include "ThumbnailLink.h"
+#include "UserFboRenderer.h"
+#include "YuvFrame.h"
+
+#include <spdlog/spdlog.h>
+
+ThumbnailItem::ThumbnailItem(QQuickItem* parent)
+    : QQuickFramebufferObject(parent), m_link(std::make_shared<ThumbnailLink>())
+{
+    m_link->framebufferItem = true;
+    m_link->announce = [this](int width, int height) { emit signalUpdate(width, height); };
+    // The renderer draws the first image row at the bottom of its framebuffer (texture row
+    // 0), and Qt Quick shows a framebuffer's row 0 at the item's top: upright as it stands,
+    // so no mirroring (mirroring turned the preview upside down).
+    setMirrorVertically(false);
+    connect(this, &ThumbnailItem::signalUpdate, this, &ThumbnailItem::onSignalUpdate, Qt::QueuedConnection);
+}
+
+ThumbnailItem::~ThumbnailItem()
+{
+    std::lock_guard<std::mutex> lock(m_link->mutex);
+    m_link->announce = nullptr;
+}
+
+QQuickFramebufferObject::Renderer* ThumbnailItem::createRenderer() const
+{
+    std::lock_guard<std::mutex> lock(m_link->mutex);
+    if (m_link->renderer)
+        return static_cast<UserFboRenderer*>(m_link->renderer);
+    auto* renderer = new UserFboRenderer(m_link);
+    renderer->initialize();
+    m_link->renderer = renderer;
+    m_link->frame = renderer->frame();
+    return renderer;
+}
+
+void ThumbnailItem::loadThumbnailFromUrl(const QString& url, double seconds)
+{
+    loadThumbnail(FileHelper::toLocalPath(url), seconds);
+}
+
+void ThumbnailItem::loadThumbnail(const QString& filePath, double seconds)
+{
+    spdlog::info("loadThumbnail: filePath={}, seconds={}", filePath.toStdString(), seconds);
+    CommonTool* tool = CommonTool::instance();
+    ThreadPool::instance().submit(
+        [link = m_link, tool, filePath, seconds]() { loadThumbnailJob(link, tool, filePath, seconds); });
+}
+
+void ThumbnailItem::setMaxSize(int width, int height)
+{
+    std::lock_guard<std::mutex> lock(m_link->mutex);
+    m_link->maxWidth = width;
+    m_link->maxHeight = height;
+}
+
+void ThumbnailItem::geometryChanged(const QRectF& newGeometry, const QRectF& oldGeometry)
+{
+    {
+        std::lock_guard<std::mutex> lock(m_link->mutex);
+        m_link->itemWidth = newGeometry.width();
+        m_link->itemHeight = newGeometry.height();
+    }
+    QQuickFramebufferObject::geometryChanged(newGeometry, oldGeometry);
+}
+
+void ThumbnailItem::onSignalUpdate(int width, int height)
+{
+    std::shared_ptr<YuvFrame> frame;
+    {
+        std::lock_guard<std::mutex> lock(m_link->mutex);
+        if (m_link->renderer)
+            frame = m_link->frame;
+    }
+    if (frame && width <= 0 && height < 1) {
+        update();
+        return;
+    }
+    if (frame) {
+        // A resize drops the frame just stored: the framebuffer is remade at the new size
+        // and keeps showing what was uploaded last until the next load. Kept on purpose.
+        std::lock_guard<std::mutex> lock(frame->mutex);
+        frame->discard();
+    }
+    if (width > 0)
+        setWidth(width);
+    if (height > 0)
+        setHeight(height);
+    update();
+}
