@@ -20,7 +20,6 @@ private slots:
         QTest::newRow("portrait") << QSize(1080, 1920) << QSize(210, 130) << QSize(74, 130);
         // (0, 0) tells the item to keep its size.
         QTest::newRow("zero box") << QSize(1920, 1080) << QSize(0, 0) << QSize(0, 0);
-        QTest::newRow("negative box") << QSize(1920, 1080) << QSize(-1, 130) << QSize(0, 0);
     }
     void fitsIntoTheBox()
     {
