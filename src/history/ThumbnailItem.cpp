@@ -1,13 +1,9 @@
 #include "ThumbnailItem.h"
 
-#include "CommonTool.h"
 #include "FileHelper.h"
-#include "ThreadPool.h"
 #include "ThumbnailLink.h"
 #include "UserFboRenderer.h"
 #include "YuvFrame.h"
-
-#include <spdlog/spdlog.h>
 
 ThumbnailItem::ThumbnailItem(QQuickItem* parent)
     : QQuickFramebufferObject(parent), m_link(std::make_shared<ThumbnailLink>())
@@ -23,8 +19,7 @@ ThumbnailItem::ThumbnailItem(QQuickItem* parent)
 
 ThumbnailItem::~ThumbnailItem()
 {
-    std::lock_guard<std::mutex> lock(m_link->mutex);
-    m_link->announce = nullptr;
+    m_link->detach();
 }
 
 QQuickFramebufferObject::Renderer* ThumbnailItem::createRenderer() const
@@ -46,26 +41,17 @@ void ThumbnailItem::loadThumbnailFromUrl(const QString& url, double seconds)
 
 void ThumbnailItem::loadThumbnail(const QString& filePath, double seconds)
 {
-    spdlog::info("loadThumbnail: filePath={}, seconds={}", filePath.toStdString(), seconds);
-    CommonTool* tool = CommonTool::instance();
-    ThreadPool::instance().submit(
-        [link = m_link, tool, filePath, seconds]() { loadThumbnailJob(link, tool, filePath, seconds); });
+    startThumbnailLoad(m_link, filePath, seconds);
 }
 
 void ThumbnailItem::setMaxSize(int width, int height)
 {
-    std::lock_guard<std::mutex> lock(m_link->mutex);
-    m_link->maxWidth = width;
-    m_link->maxHeight = height;
+    m_link->setBox(width, height);
 }
 
 void ThumbnailItem::geometryChanged(const QRectF& newGeometry, const QRectF& oldGeometry)
 {
-    {
-        std::lock_guard<std::mutex> lock(m_link->mutex);
-        m_link->itemWidth = newGeometry.width();
-        m_link->itemHeight = newGeometry.height();
-    }
+    m_link->setItemSize(newGeometry.size());
     QQuickFramebufferObject::geometryChanged(newGeometry, oldGeometry);
 }
 

@@ -1,10 +1,40 @@
 #include "ThumbnailLink.h"
 
+#include "CommonTool.h"
 #include "GrabbedFrame.h"
+#include "ThreadPool.h"
 #include "ThumbnailFit.h"
 #include "YuvFrame.h"
 
 #include <spdlog/spdlog.h>
+
+void ThumbnailLink::setBox(int width, int height)
+{
+    std::lock_guard<std::mutex> lock(mutex);
+    maxWidth = width;
+    maxHeight = height;
+}
+
+void ThumbnailLink::setItemSize(const QSizeF& size)
+{
+    std::lock_guard<std::mutex> lock(mutex);
+    itemWidth = size.width();
+    itemHeight = size.height();
+}
+
+void ThumbnailLink::detach()
+{
+    std::lock_guard<std::mutex> lock(mutex);
+    announce = nullptr;
+}
+
+void startThumbnailLoad(const std::shared_ptr<ThumbnailLink>& link, const QString& filePath, double seconds)
+{
+    spdlog::info("loadThumbnail: filePath={}, seconds={}", filePath.toStdString(), seconds);
+    CommonTool* tool = CommonTool::instance();
+    ThreadPool::instance().submit(
+        [link, tool, filePath, seconds]() { loadThumbnailJob(link, tool, filePath, seconds); });
+}
 
 void loadThumbnailJob(const std::shared_ptr<ThumbnailLink>& link, CommonTool* tool, const QString& filePath,
                       double seconds)

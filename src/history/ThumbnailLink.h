@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QSizeF>
 #include <QString>
 #include <functional>
 #include <memory>
@@ -31,7 +32,17 @@ struct ThumbnailLink
     double itemHeight = 0;
     // ThumbnailItem needs a renderer to take a frame and logs its fitted size.
     bool framebufferItem = false;
+
+    // The item's side, GUI thread, each under `mutex`: its setMaxSize, its geometry, and its
+    // destructor (jobs finishing later drop their frames).
+    void setBox(int width, int height);
+    void setItemSize(const QSizeF& size);
+    void detach();
 };
+
+// What the items' loadThumbnail does (GUI thread): logs the request and queues
+// loadThumbnailJob on the pool. Returns at once; a newer call does not cancel an older one.
+void startThumbnailLoad(const std::shared_ptr<ThumbnailLink>& link, const QString& filePath, double seconds);
 
 // The load job of both thumbnail items (pool thread): grab the frame, fit it into the box,
 // store it in the link's frame and announce the size through signalUpdate, (0, 0) when the

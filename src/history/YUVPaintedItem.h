@@ -6,6 +6,7 @@
 
 struct ThumbnailLink;
 struct YuvFrame;
+class YuvPlaneTextures;
 
 // The frame preview of the clip and merge tools: one frame of a file at a given second,
 // decoded on the pool and painted with native OpenGL inside the item's painter (shaders of
@@ -39,12 +40,11 @@ protected:
     void releaseResources() override;
 
 private:
-    struct GlState;
-
     void onSignalUpdate(int width, int height);
 
     std::shared_ptr<ThumbnailLink> m_link;
     std::shared_ptr<YuvFrame> m_frame; // the planes, sizes, new-frame flag and their mutex
-    // Program and textures; created, used and released on the render thread only.
-    std::shared_ptr<GlState> m_gl;
+    // Program and textures (GL_LUMINANCE, as the compatibility profile reads them); created,
+    // used and released on the render thread only.
+    std::shared_ptr<YuvPlaneTextures> m_gl;
 };

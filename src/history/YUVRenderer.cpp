@@ -36,13 +36,6 @@ const char* const kFragmentShader = "#version 330 core\n"
                                     "   FragColor = vec4(rgb, 1.0);\n"
                                     "}\n";
 
-// Triangle strip over clip space; texture row 0 (the first image row) lands at the bottom.
-const GLfloat kPositions[8] = {-1.0f, 1.0f, -1.0f, -1.0f, 1.0f, 1.0f, 1.0f, -1.0f};
-const GLfloat kTexCoords[8] = {0.0f, 1.0f, 0.0f, 0.0f, 1.0f, 1.0f, 1.0f, 0.0f};
-
-constexpr GLuint kPositionAttribute = 0;
-constexpr GLuint kTexCoordAttribute = 1;
-
 } // namespace
 
 YUVRenderer::YUVRenderer() : m_frame(std::make_shared<YuvFrame>()) {}
@@ -51,10 +44,9 @@ YUVRenderer::~YUVRenderer()
 {
     if (!m_ready || !QOpenGLContext::currentContext())
         return;
-    glDeleteTextures(3, m_textures);
+    m_planes.destroy();
     glDeleteBuffers(2, m_buffers);
     glDeleteVertexArrays(1, &m_vertexArray);
-    m_program.reset();
 }
 
 bool YUVRenderer::initialize()
@@ -63,50 +55,27 @@ bool YUVRenderer::initialize()
         spdlog::error("The preview needs OpenGL 3.3; the current context cannot provide it");
         return false;
     }
-    m_program = std::make_unique<QOpenGLShaderProgram>();
-    m_program->addShaderFromSourceCode(QOpenGLShader::Vertex, kVertexShader);
-    m_program->addShaderFromSourceCode(QOpenGLShader::Fragment, kFragmentShader);
-    m_program->bindAttributeLocation("position", kPositionAttribute);
-    m_program->bindAttributeLocation("texCoord", kTexCoordAttribute);
-    if (!m_program->link()) {
-        spdlog::error("Failed to build the preview shaders: {}", m_program->log().toStdString());
-        m_program.reset();
+    if (!m_planes.create(kVertexShader, kFragmentShader))
         return false;
-    }
 
     glClearColor(0.1f, 0.1f, 0.2f, 1.0f);
 
+    // The quad lives in buffers of a vertex array: a core context has no client-side arrays.
     glGenVertexArrays(1, &m_vertexArray);
     glBindVertexArray(m_vertexArray);
     glGenBuffers(2, m_buffers);
-    glBindBuffer(GL_ARRAY_BUFFER, m_buffers[0]);
-    glBufferData(GL_ARRAY_BUFFER, sizeof(kPositions), kPositions, GL_STATIC_DRAW);
-    glVertexAttribPointer(kPositionAttribute, 2, GL_FLOAT, GL_FALSE, 0, nullptr);
-    glEnableVertexAttribArray(kPositionAttribute);
-    glBindBuffer(GL_ARRAY_BUFFER, m_buffers[1]);
-    glBufferData(GL_ARRAY_BUFFER, sizeof(kTexCoords), kTexCoords, GL_STATIC_DRAW);
-    glVertexAttribPointer(kTexCoordAttribute, 2, GL_FLOAT, GL_FALSE, 0, nullptr);
-    glEnableVertexAttribArray(kTexCoordAttribute);
+    const GLfloat* const tables[2] = {YuvPlaneTextures::kPositions, YuvPlaneTextures::kTexCoords};
+    const GLuint attributes[2] = {YuvPlaneTextures::kPositionAttribute, YuvPlaneTextures::kTexCoordAttribute};
+    for (int i = 0; i < 2; ++i) {
+        glBindBuffer(GL_ARRAY_BUFFER, m_buffers[i]);
+        glBufferData(GL_ARRAY_BUFFER, 8 * sizeof(GLfloat), tables[i], GL_STATIC_DRAW);
+        glVertexAttribPointer(attributes[i], 2, GL_FLOAT, GL_FALSE, 0, nullptr);
+        glEnableVertexAttribArray(attributes[i]);
+    }
     glBindVertexArray(0);
     glBindBuffer(GL_ARRAY_BUFFER, 0);
-
-    glGenTextures(3, m_textures);
-    for (GLuint texture : m_textures) {
-        glBindTexture(GL_TEXTURE_2D, texture);
-        glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MIN_FILTER, GL_LINEAR);
-        glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_MAG_FILTER, GL_LINEAR);
-        glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_WRAP_S, GL_CLAMP_TO_EDGE);
-        glTexParameteri(GL_TEXTURE_2D, GL_TEXTURE_WRAP_T, GL_CLAMP_TO_EDGE);
-    }
-    glBindTexture(GL_TEXTURE_2D, 0);
     m_ready = true;
     return true;
-}
-
-void YUVRenderer::uploadPlane(GLuint texture, const QByteArray& plane, int width, int height)
-{
-    glBindTexture(GL_TEXTURE_2D, texture);
-    glTexImage2D(GL_TEXTURE_2D, 0, GL_R8, width, height, 0, GL_RED, GL_UNSIGNED_BYTE, plane.constData());
 }
 
 void YUVRenderer::renderFrame()
@@ -125,33 +94,14 @@ void YUVRenderer::renderFrame()
 
     {
         std::lock_guard<std::mutex> lock(m_frame->mutex);
-        if (m_frame->newFrame && m_frame->hasPlanes()) {
-            // Plane rows are tightly packed; odd widths are not 4-byte aligned.
-            glPixelStorei(GL_UNPACK_ALIGNMENT, 1);
-            uploadPlane(m_textures[0], m_frame->y, m_frame->width, m_frame->height);
-            uploadPlane(m_textures[1], m_frame->u, m_frame->chromaWidth(), m_frame->chromaHeight());
-            uploadPlane(m_textures[2], m_frame->v, m_frame->chromaWidth(), m_frame->chromaHeight());
-            glPixelStorei(GL_UNPACK_ALIGNMENT, 4);
-            m_frame->newFrame = false;
-            m_hasPicture = true;
-        }
+        m_planes.upload(*m_frame, GL_R8, GL_RED);
     }
-    if (!m_hasPicture)
+    if (!m_planes.hasPicture())
         return;
 
-    m_program->bind();
-    const char* const samplers[3] = {"yTexture", "uTexture", "vTexture"};
-    for (int i = 0; i < 3; ++i) {
-        glActiveTexture(GL_TEXTURE0 + i);
-        glBindTexture(GL_TEXTURE_2D, m_textures[i]);
-        m_program->setUniformValue(samplers[i], i);
-    }
+    m_planes.bind();
     glBindVertexArray(m_vertexArray);
     glDrawArrays(GL_TRIANGLE_STRIP, 0, 4);
     glBindVertexArray(0);
-    for (int i = 2; i >= 0; --i) {
-        glActiveTexture(GL_TEXTURE0 + i);
-        glBindTexture(GL_TEXTURE_2D, 0);
-    }
-    m_program->release();
+    m_planes.unbind();
 }

@@ -1,7 +1,8 @@
 #pragma once
 
+#include "YuvPlaneTextures.h"
+
 #include <QOpenGLFunctions_3_3_Core>
-#include <QOpenGLShaderProgram>
 #include <memory>
 
 struct YuvFrame;
@@ -24,7 +25,7 @@ public:
     YUVRenderer(const YUVRenderer&) = delete;
     YUVRenderer& operator=(const YUVRenderer&) = delete;
 
-    // Builds program, vertex array, buffers and textures; false (and logged) when the
+    // Builds program, textures, vertex array and buffers; false (and logged) when the
     // context cannot run 3.3 core shaders, in which case renderFrame only clears.
     bool initialize();
     // Clears to black, uploads a new frame if one is waiting and draws the textures.
@@ -33,15 +34,9 @@ public:
     const std::shared_ptr<YuvFrame>& frame() const { return m_frame; }
 
 private:
-    void uploadPlane(GLuint texture, const QByteArray& plane, int width, int height);
-
-    std::unique_ptr<QOpenGLShaderProgram> m_program;
+    YuvPlaneTextures m_planes; // program and plane textures, GL_R8 as a core context needs
     GLuint m_vertexArray = 0;
-    GLuint m_buffers[2] = {0, 0};     // positions, texture coordinates
-    GLuint m_textures[3] = {0, 0, 0}; // Y, U, V
+    GLuint m_buffers[2] = {0, 0}; // positions, texture coordinates
     std::shared_ptr<YuvFrame> m_frame;
     bool m_ready = false;
-    // Until a frame has been uploaded the textures are empty; drawing them would paint the
-    // shader's colour of zero samples (green), so only the black clear is shown.
-    bool m_hasPicture = false;
 };
