@@ -3,6 +3,7 @@
 #include "CommonTool.h"
 #include "EncodeSteps.h"
 #include "FfmpegPtr.h"
+#include "FrameScaler.h"
 #include "MediaProbe.h"
 
 extern "C" {
@@ -42,7 +43,7 @@ struct CompressJob::Session
     ff::CodecContextPtr videoEncoder;
     ff::CodecContextPtr audioDecoder;
     ff::CodecContextPtr audioEncoder;
-    ff::SwsPtr scaler;
+    FrameScaler scaler;
     ff::FramePtr decoded;
     ff::FramePtr converted;
     ff::PacketPtr packet;
@@ -51,11 +52,6 @@ struct CompressJob::Session
     int audioIndex = -1;
     AVStream* videoOut = nullptr;
     AVStream* audioOut = nullptr;
-    // The source the scaler was made for; a decoded frame of another size or format gets a
-    // new scaler instead of being read out of bounds.
-    int scalerWidth = 0;
-    int scalerHeight = 0;
-    int scalerFormat = AV_PIX_FMT_NONE;
     int64_t frameCounter = 0;
 };
 
@@ -74,7 +70,7 @@ bool CompressJob::run(const QString& inputPath, const QString& outputPath, int c
             if (end == LoopEnd::EndOfInput && !m_tool.isCancelled()) {
                 // The decoder is deliberately not drained: frames it still holds at the end
                 // of the input are not encoded.
-                flushVideoEncoder(s);
+                EncodeSteps::flushEncoder(s.videoEncoder.get(), s.output.get(), s.videoOut, s.encoded.get());
                 av_write_trailer(s.output.get());
             }
         }
@@ -94,17 +90,8 @@ bool CompressJob::prepare(Session& s, const QString& inputPath, const QString& o
     AVFormatContext* in = s.input.get();
 
     // Unlike conversion, an attached picture counts as the video stream here.
-    for (unsigned i = 0; i < in->nb_streams; ++i) {
-        const AVMediaType type = in->streams[i]->codecpar->codec_type;
-        if (type == AVMEDIA_TYPE_VIDEO && s.videoIndex < 0)
-            s.videoIndex = static_cast<int>(i);
-        else if (type == AVMEDIA_TYPE_AUDIO && s.audioIndex < 0)
-            s.audioIndex = static_cast<int>(i);
-    }
-    if (s.videoIndex < 0) {
-        spdlog::error("No video stream found");
+    if (!EncodeSteps::findStreams(in, false, &s.videoIndex, &s.audioIndex))
         return false;
-    }
     if (!MediaProbe::createOutputContext(s.output, outputPath))
         return false;
 
@@ -112,20 +99,9 @@ bool CompressJob::prepare(Session& s, const QString& inputPath, const QString& o
     if (EncodeSteps::countVideoPackets(in, s.videoIndex, &total))
         emit m_tool.videoCompressionFrameTotal(EncodeSteps::toSignalValue(total));
 
-    AVStream* videoIn = in->streams[s.videoIndex];
-    const AVCodec* decoder = avcodec_find_decoder(videoIn->codecpar->codec_id);
-    if (decoder)
-        s.videoDecoder.reset(avcodec_alloc_context3(decoder));
-    if (!s.videoDecoder || avcodec_parameters_to_context(s.videoDecoder.get(), videoIn->codecpar) < 0) {
-        spdlog::error("Failed to open video decoder");
+    s.videoDecoder = EncodeSteps::openVideoDecoder(in->streams[s.videoIndex], "Failed to open video decoder");
+    if (!s.videoDecoder)
         return false;
-    }
-    s.videoDecoder->pkt_timebase = videoIn->time_base;
-    EncodeSteps::configureDecoderThreads(s.videoDecoder.get());
-    if (avcodec_open2(s.videoDecoder.get(), decoder, nullptr) < 0) {
-        spdlog::error("Failed to open video decoder");
-        return false;
-    }
 
     if (!openVideoEncoder(s, level.factor, level.crf))
         return false;
@@ -133,27 +109,12 @@ bool CompressJob::prepare(Session& s, const QString& inputPath, const QString& o
         return false;
 
     AVCodecContext* dec = s.videoDecoder.get();
-    s.scaler.reset(sws_getContext(dec->width, dec->height, dec->pix_fmt, dec->width, dec->height,
-                                  AV_PIX_FMT_YUV420P, SWS_BILINEAR, nullptr, nullptr, nullptr));
-    if (!s.scaler) {
+    if (!s.scaler.open(dec->width, dec->height, dec->pix_fmt, dec->width, dec->height)) {
         spdlog::error("Failed to create scaling context");
         return false;
     }
-    s.scalerWidth = dec->width;
-    s.scalerHeight = dec->height;
-    s.scalerFormat = dec->pix_fmt;
-
-    AVFormatContext* out = s.output.get();
-    if (!(out->oformat->flags & AVFMT_NOFILE)) {
-        if (avio_open(&out->pb, outputPath.toUtf8().constData(), AVIO_FLAG_WRITE) < 0) {
-            spdlog::error("Could not open output file: {}", outputPath.toStdString());
-            return false;
-        }
-    }
-    if (avformat_write_header(out, nullptr) < 0) {
-        spdlog::error("Error occurred when writing header");
+    if (!EncodeSteps::openOutputFile(s.output.get(), outputPath) || !EncodeSteps::writeHeader(s.output.get()))
         return false;
-    }
 
     s.decoded = ff::makeFrame();
     s.converted = ff::makeFrame();
@@ -162,10 +123,7 @@ bool CompressJob::prepare(Session& s, const QString& inputPath, const QString& o
     if (!s.decoded || !s.converted || !s.packet || !s.encoded)
         return false;
     // The picture keeps the decoder's (possibly odd) size; the encoder reads its even part.
-    s.converted->format = AV_PIX_FMT_YUV420P;
-    s.converted->width = dec->width;
-    s.converted->height = dec->height;
-    if (av_frame_get_buffer(s.converted.get(), 0) < 0) {
+    if (!EncodeSteps::allocatePicture(s.converted.get(), dec->width, dec->height)) {
         spdlog::error("Could not allocate the converted picture");
         return false;
     }
@@ -184,37 +142,21 @@ bool CompressJob::openVideoEncoder(Session& s, double factor, int crf)
         spdlog::error("H264 encoder not found");
         return false;
     }
-    s.videoOut = avformat_new_stream(s.output.get(), nullptr);
-    s.videoEncoder.reset(avcodec_alloc_context3(encoder));
-    if (!s.videoOut || !s.videoEncoder) {
-        spdlog::error("Failed to open video encoder");
-        return false;
-    }
-    AVCodecContext* enc = s.videoEncoder.get();
-    enc->codec_id = encoder->id;
-    enc->width = dec->width & ~1;
-    enc->height = dec->height & ~1;
-    enc->thread_count = 0;
-    enc->thread_type = FF_THREAD_FRAME | FF_THREAD_SLICE;
-    enc->framerate = EncodeSteps::guessFrameRate(in, videoIn);
-    enc->time_base = av_inv_q(enc->framerate);
-    s.videoOut->time_base = enc->time_base;
-    enc->pix_fmt = AV_PIX_FMT_YUV420P;
-    enc->bit_rate = static_cast<int64_t>(static_cast<double>(dec->bit_rate) * factor);
-    enc->gop_size = 30;
-    // Encoders without these options simply ignore them.
-    av_opt_set_int(enc, "crf", crf, AV_OPT_SEARCH_CHILDREN);
-    av_opt_set(enc, "preset", "medium", AV_OPT_SEARCH_CHILDREN);
-    EncodeSteps::applyGlobalHeader(enc, s.output.get());
-    if (avcodec_open2(enc, encoder, nullptr) < 0) {
-        spdlog::error("Failed to open video encoder");
-        return false;
-    }
-    if (avcodec_parameters_from_context(s.videoOut->codecpar, enc) < 0) {
-        spdlog::error("Failed to copy video encoder parameters");
-        return false;
-    }
-    return true;
+    return EncodeSteps::openVideoEncoder(
+        encoder, s.output.get(), s.videoEncoder, &s.videoOut, [&](AVCodecContext* enc) {
+            enc->width = dec->width & ~1;
+            enc->height = dec->height & ~1;
+            enc->thread_count = 0;
+            enc->thread_type = FF_THREAD_FRAME | FF_THREAD_SLICE;
+            enc->framerate = EncodeSteps::guessFrameRate(in, videoIn);
+            enc->time_base = av_inv_q(enc->framerate);
+            enc->pix_fmt = AV_PIX_FMT_YUV420P;
+            enc->bit_rate = static_cast<int64_t>(static_cast<double>(dec->bit_rate) * factor);
+            enc->gop_size = 30;
+            // Encoders without these options simply ignore them.
+            av_opt_set_int(enc, "crf", crf, AV_OPT_SEARCH_CHILDREN);
+            av_opt_set(enc, "preset", "medium", AV_OPT_SEARCH_CHILDREN);
+        });
 }
 
 bool CompressJob::openAudioCoders(Session& s, double factor)
@@ -302,11 +244,7 @@ CompressJob::LoopEnd CompressJob::mainLoop(Session& s)
                 return LoopEnd::CancelledInFrame;
             }
         } else if (packet->stream_index == s.audioIndex && s.audioEncoder) {
-            const AVRational inBase = in->streams[s.audioIndex]->time_base;
-            packet->stream_index = s.audioOut->index;
-            av_packet_rescale_ts(packet, inBase, s.audioOut->time_base);
-            packet->pos = -1;
-            av_interleaved_write_frame(s.output.get(), packet);
+            EncodeSteps::copyPacket(in, s.output.get(), s.audioOut, packet);
         }
         av_packet_unref(packet);
         if (m_tool.isCancelled()) {
@@ -332,23 +270,10 @@ bool CompressJob::encodeVideoPacket(Session& s)
             emitCancelled("Video compression cancelled during frame processing");
             return false;
         }
-        if (frame->width != s.scalerWidth || frame->height != s.scalerHeight ||
-            frame->format != s.scalerFormat) {
-            s.scaler.reset(sws_getContext(
-                frame->width, frame->height, static_cast<AVPixelFormat>(frame->format), converted->width,
-                converted->height, AV_PIX_FMT_YUV420P, SWS_BILINEAR, nullptr, nullptr, nullptr));
-            s.scalerWidth = frame->width;
-            s.scalerHeight = frame->height;
-            s.scalerFormat = frame->format;
-        }
-        // The encoder may still hold the previous picture; never write into a shared buffer.
-        if (!s.scaler || av_frame_make_writable(converted) < 0) {
-            av_frame_unref(frame);
-            continue;
-        }
-        sws_scale(s.scaler.get(), frame->data, frame->linesize, 0, frame->height, converted->data,
-                  converted->linesize);
+        const bool scaled = s.scaler.scale(frame, converted);
         av_frame_unref(frame);
+        if (!scaled)
+            continue;
         converted->pts = s.frameCounter++;
         if (avcodec_send_frame(enc, converted) < 0)
             continue;
@@ -359,13 +284,6 @@ bool CompressJob::encodeVideoPacket(Session& s)
             });
     }
     return true;
-}
-
-void CompressJob::flushVideoEncoder(Session& s)
-{
-    if (avcodec_send_frame(s.videoEncoder.get(), nullptr) < 0)
-        return;
-    EncodeSteps::writeEncodedPackets(s.videoEncoder.get(), s.output.get(), s.videoOut, s.encoded.get());
 }
 
 void CompressJob::emitCancelled(const char* message)

@@ -30,7 +30,6 @@ private:
     LoopEnd mainLoop(Session& s);
     // False when the cancel flag was seen between two decoded frames.
     bool encodeVideoPacket(Session& s);
-    void flushVideoEncoder(Session& s);
     void emitCancelled(const char* message);
 
     CommonTool& m_tool;

@@ -4,6 +4,7 @@
 #include "CommonTool.h"
 #include "EncodeSteps.h"
 #include "FfmpegPtr.h"
+#include "FrameScaler.h"
 #include "MediaProbe.h"
 
 #include <algorithm>
@@ -18,7 +19,7 @@ struct ConvertJob::Session
     ff::OutputFormatPtr output;
     ff::CodecContextPtr videoDecoder; // only when re-encoding the video
     ff::CodecContextPtr videoEncoder;
-    ff::SwsPtr scaler;
+    FrameScaler scaler;
     std::unique_ptr<AudioReencoder> audio; // only when re-encoding the audio
     ff::FramePtr decoded;
     ff::FramePtr scaled;
@@ -28,10 +29,6 @@ struct ConvertJob::Session
     int audioIndex = -1;
     AVStream* videoOut = nullptr;
     AVStream* audioOut = nullptr;
-    // The source the scaler was made for (see encodeVideoPacket).
-    int scalerWidth = 0;
-    int scalerHeight = 0;
-    int scalerFormat = AV_PIX_FMT_NONE;
     // Frame-rate conversion: input frame n covers the output slots
     // [trunc(n * ratio), trunc((n + 1) * ratio)); a slot already filled is not encoded again.
     double ratio = 1.0;
@@ -71,19 +68,8 @@ bool ConvertJob::prepare(Session& s, const QString& inputPath, const QString& ou
     if (!MediaProbe::openInputFile(inputPath, s.input))
         return false;
     AVFormatContext* in = s.input.get();
-    for (unsigned i = 0; i < in->nb_streams; ++i) {
-        const AVStream* st = in->streams[i];
-        const AVMediaType type = st->codecpar->codec_type;
-        if (type == AVMEDIA_TYPE_VIDEO && !(st->disposition & AV_DISPOSITION_ATTACHED_PIC) &&
-            s.videoIndex < 0)
-            s.videoIndex = static_cast<int>(i);
-        else if (type == AVMEDIA_TYPE_AUDIO && s.audioIndex < 0)
-            s.audioIndex = static_cast<int>(i);
-    }
-    if (s.videoIndex < 0) {
-        spdlog::error("No video stream found");
+    if (!EncodeSteps::findStreams(in, true, &s.videoIndex, &s.audioIndex))
         return false;
-    }
     if (!MediaProbe::createOutputContext(s.output, outputPath))
         return false;
 
@@ -92,20 +78,13 @@ bool ConvertJob::prepare(Session& s, const QString& inputPath, const QString& ou
     if (s.audioIndex >= 0 && !setUpAudio(s, request))
         return false;
 
-    AVFormatContext* out = s.output.get();
-    if (!(out->oformat->flags & AVFMT_NOFILE)) {
-        if (avio_open(&out->pb, outputPath.toUtf8().constData(), AVIO_FLAG_WRITE) < 0) {
-            spdlog::error("Could not open output file: {}", outputPath.toStdString());
-            return false;
-        }
-    }
+    if (!EncodeSteps::openOutputFile(s.output.get(), outputPath))
+        return false;
     int64_t total = 0;
     if (EncodeSteps::countVideoPackets(in, s.videoIndex, &total))
         emit m_tool.videoCompressionFrameTotal(EncodeSteps::toSignalValue(total));
-    if (avformat_write_header(out, nullptr) < 0) {
-        spdlog::error("Error occurred when writing header");
+    if (!EncodeSteps::writeHeader(s.output.get()))
         return false;
-    }
 
     AVStream* videoIn = in->streams[s.videoIndex];
     const AVRational inRate = av_guess_frame_rate(in, videoIn, nullptr);
@@ -142,22 +121,9 @@ bool ConvertJob::setUpVideoEncode(Session& s, const VideoInfo& request)
     AVFormatContext* in = s.input.get();
     AVStream* videoIn = in->streams[s.videoIndex];
 
-    const AVCodec* decoder = avcodec_find_decoder(videoIn->codecpar->codec_id);
-    if (!decoder) {
-        spdlog::error("Video decoder not found");
+    s.videoDecoder = EncodeSteps::openVideoDecoder(videoIn, "Video decoder not found");
+    if (!s.videoDecoder)
         return false;
-    }
-    s.videoDecoder.reset(avcodec_alloc_context3(decoder));
-    if (!s.videoDecoder || avcodec_parameters_to_context(s.videoDecoder.get(), videoIn->codecpar) < 0) {
-        spdlog::error("Failed to open video decoder");
-        return false;
-    }
-    s.videoDecoder->pkt_timebase = videoIn->time_base;
-    EncodeSteps::configureDecoderThreads(s.videoDecoder.get());
-    if (avcodec_open2(s.videoDecoder.get(), decoder, nullptr) < 0) {
-        spdlog::error("Failed to open video decoder");
-        return false;
-    }
     AVCodecContext* dec = s.videoDecoder.get();
 
     const AVCodec* encoder = avcodec_find_encoder(static_cast<AVCodecID>(request.codecId));
@@ -165,51 +131,30 @@ bool ConvertJob::setUpVideoEncode(Session& s, const VideoInfo& request)
         spdlog::error("Video encoder not found for codec ID: {}", request.codecId);
         return false;
     }
-    s.videoOut = avformat_new_stream(s.output.get(), nullptr);
-    s.videoEncoder.reset(avcodec_alloc_context3(encoder));
-    if (!s.videoOut || !s.videoEncoder) {
-        spdlog::error("Failed to open video encoder");
+    const bool opened = EncodeSteps::openVideoEncoder(
+        encoder, s.output.get(), s.videoEncoder, &s.videoOut, [&](AVCodecContext* enc) {
+            enc->width = (request.width > 0 ? request.width : dec->width) & ~1;
+            enc->height = (request.height > 0 ? request.height : dec->height) & ~1;
+            enc->pix_fmt = AV_PIX_FMT_YUV420P;
+            enc->bit_rate = request.bitrate > 0 ? request.bitrate : dec->bit_rate;
+            enc->framerate =
+                request.fps > 0 ? AVRational{request.fps, 1} : EncodeSteps::guessFrameRate(in, videoIn);
+            enc->time_base = av_inv_q(enc->framerate);
+            enc->gop_size = 12;
+            enc->thread_count = 0;
+            enc->thread_type = FF_THREAD_FRAME | FF_THREAD_SLICE;
+        });
+    if (!opened)
         return false;
-    }
-    AVCodecContext* enc = s.videoEncoder.get();
-    enc->codec_id = encoder->id;
-    enc->width = (request.width > 0 ? request.width : dec->width) & ~1;
-    enc->height = (request.height > 0 ? request.height : dec->height) & ~1;
-    enc->pix_fmt = AV_PIX_FMT_YUV420P;
-    enc->bit_rate = request.bitrate > 0 ? request.bitrate : dec->bit_rate;
-    enc->framerate = request.fps > 0 ? AVRational{request.fps, 1} : EncodeSteps::guessFrameRate(in, videoIn);
-    enc->time_base = av_inv_q(enc->framerate);
-    s.videoOut->time_base = enc->time_base;
-    enc->gop_size = 12;
-    enc->thread_count = 0;
-    enc->thread_type = FF_THREAD_FRAME | FF_THREAD_SLICE;
-    EncodeSteps::applyGlobalHeader(enc, s.output.get());
-    if (avcodec_open2(enc, encoder, nullptr) < 0) {
-        spdlog::error("Failed to open video encoder");
-        return false;
-    }
-    if (avcodec_parameters_from_context(s.videoOut->codecpar, enc) < 0) {
-        spdlog::error("Failed to copy video encoder parameters");
-        return false;
-    }
-
-    s.scaler.reset(sws_getContext(dec->width, dec->height, dec->pix_fmt, enc->width, enc->height,
-                                  AV_PIX_FMT_YUV420P, SWS_BILINEAR, nullptr, nullptr, nullptr));
-    if (!s.scaler) {
+    const AVCodecContext* enc = s.videoEncoder.get();
+    if (!s.scaler.open(dec->width, dec->height, dec->pix_fmt, enc->width, enc->height)) {
         spdlog::error("Failed to create scaling context");
         return false;
     }
-    s.scalerWidth = dec->width;
-    s.scalerHeight = dec->height;
-    s.scalerFormat = dec->pix_fmt;
-
     s.scaled = ff::makeFrame();
     if (!s.scaled)
         return false;
-    s.scaled->format = AV_PIX_FMT_YUV420P;
-    s.scaled->width = enc->width;
-    s.scaled->height = enc->height;
-    if (av_frame_get_buffer(s.scaled.get(), 0) < 0) {
+    if (!EncodeSteps::allocatePicture(s.scaled.get(), enc->width, enc->height)) {
         spdlog::error("Could not allocate the scaled picture");
         return false;
     }
@@ -258,7 +203,7 @@ ConvertJob::LoopEnd ConvertJob::mainLoop(Session& s)
                     return LoopEnd::CancelledInFrame;
                 }
             } else {
-                copyPacket(s, s.videoOut);
+                EncodeSteps::copyPacket(in, s.output.get(), s.videoOut, packet);
                 // A remux has no frames to count, so progress follows the copied packets on
                 // the same scale as the total.
                 if (++s.copiedVideoPackets % 10 == 0)
@@ -268,20 +213,10 @@ ConvertJob::LoopEnd ConvertJob::mainLoop(Session& s)
             if (s.audio)
                 s.audio->writePacket(packet);
             else
-                copyPacket(s, s.audioOut);
+                EncodeSteps::copyPacket(in, s.output.get(), s.audioOut, packet);
         }
         av_packet_unref(packet);
     }
-}
-
-void ConvertJob::copyPacket(Session& s, AVStream* out)
-{
-    AVPacket* packet = s.packet.get();
-    const AVRational inBase = s.input->streams[packet->stream_index]->time_base;
-    packet->stream_index = out->index;
-    av_packet_rescale_ts(packet, inBase, out->time_base);
-    packet->pos = -1;
-    av_interleaved_write_frame(s.output.get(), packet);
 }
 
 bool ConvertJob::encodeVideoPacket(Session& s)
@@ -299,24 +234,10 @@ bool ConvertJob::encodeVideoPacket(Session& s)
             emit m_tool.videoCompressionCancelled();
             return false;
         }
-        // A stream whose size or format changes on the way gets a scaler for its new form
-        // rather than one that would read past the picture.
-        if (frame->width != s.scalerWidth || frame->height != s.scalerHeight ||
-            frame->format != s.scalerFormat) {
-            s.scaler.reset(sws_getContext(
-                frame->width, frame->height, static_cast<AVPixelFormat>(frame->format), scaled->width,
-                scaled->height, AV_PIX_FMT_YUV420P, SWS_BILINEAR, nullptr, nullptr, nullptr));
-            s.scalerWidth = frame->width;
-            s.scalerHeight = frame->height;
-            s.scalerFormat = frame->format;
-        }
-        // The encoder may still hold the previous picture; never write into a shared buffer.
-        if (!s.scaler || av_frame_make_writable(scaled) < 0) {
+        if (!s.scaler.scale(frame, scaled)) {
             av_frame_unref(frame);
             continue;
         }
-        sws_scale(s.scaler.get(), frame->data, frame->linesize, 0, frame->height, scaled->data,
-                  scaled->linesize);
 #if LIBAVUTIL_VERSION_INT >= AV_VERSION_INT(58, 7, 100)
         scaled->flags = (scaled->flags & ~AV_FRAME_FLAG_KEY) | (frame->flags & AV_FRAME_FLAG_KEY);
 #else
@@ -356,8 +277,8 @@ void ConvertJob::encodeFrameSlots(Session& s)
 
 void ConvertJob::flush(Session& s)
 {
-    if (s.videoEncoder && avcodec_send_frame(s.videoEncoder.get(), nullptr) >= 0)
-        EncodeSteps::writeEncodedPackets(s.videoEncoder.get(), s.output.get(), s.videoOut, s.encoded.get());
+    if (s.videoEncoder)
+        EncodeSteps::flushEncoder(s.videoEncoder.get(), s.output.get(), s.videoOut, s.encoded.get());
     if (s.audio)
         s.audio->flush();
 }

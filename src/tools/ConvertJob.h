@@ -35,7 +35,6 @@ private:
     // False when the cancel flag was seen between two decoded frames.
     bool encodeVideoPacket(Session& s);
     void encodeFrameSlots(Session& s);
-    void copyPacket(Session& s, AVStream* out);
     void flush(Session& s);
 
     CommonTool& m_tool;

@@ -2,6 +2,7 @@
 
 #include "FfmpegPtr.h"
 
+#include <QString>
 #include <cstdint>
 #include <functional>
 
@@ -34,6 +35,36 @@ void configureDecoderThreads(AVCodecContext* decoder);
 
 // Asks for the muxer's global headers when the output format wants them.
 void applyGlobalHeader(AVCodecContext* encoder, const AVFormatContext* output);
+
+// The first video and the first audio stream of the input (-1 for none); cover pictures count
+// as video unless `skipCoverArt`. False, with the reason logged, when there is no video.
+bool findStreams(AVFormatContext* input, bool skipCoverArt, int* videoIndex, int* audioIndex);
+
+// An opened decoder for a video stream (threads set as configureDecoderThreads says), or null
+// after logging `noDecoderMessage` when the codec has no decoder here, "Failed to open video
+// decoder" when it does not open.
+ff::CodecContextPtr openVideoDecoder(AVStream* stream, const char* noDecoderMessage);
+
+// Adds the output's video stream and opens `codec` for it: `configure` sets the job's own
+// settings (it must set the time base, which the stream takes over). Logs the failing step.
+bool openVideoEncoder(const AVCodec* codec, AVFormatContext* output, ff::CodecContextPtr& encoder,
+                      AVStream** stream, const std::function<void(AVCodecContext*)>& configure);
+
+// Gives `frame` its own yuv420p buffer of the given size; false when it cannot.
+bool allocatePicture(AVFrame* frame, int width, int height);
+
+// Opens the output file unless the muxer writes none itself; logs when it cannot.
+bool openOutputFile(AVFormatContext* output, const QString& path);
+
+// Writes the container header; logs when the muxer refuses it.
+bool writeHeader(AVFormatContext* output);
+
+// Writes an input packet unchanged to `stream`, its timestamps rescaled to the stream's time
+// base (write errors are not acted on, as in writeEncodedPackets).
+void copyPacket(const AVFormatContext* input, AVFormatContext* output, AVStream* stream, AVPacket* packet);
+
+// Drains the encoder at the end of the input and writes what it still held.
+void flushEncoder(AVCodecContext* encoder, AVFormatContext* output, AVStream* stream, AVPacket* packet);
 
 // Saturates a 64-bit count to the int range of the progress signals.
 int toSignalValue(int64_t value);
