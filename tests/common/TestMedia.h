@@ -103,6 +103,12 @@ inline QString decodeErrors(const QString& path, const QString& map = "0")
     return run("ffmpeg", {"-hide_banner", "-v", "error", "-i", path, "-map", map, "-f", "null", "-"});
 }
 
+// The whole file decodes without an error that stops the ffmpeg tool.
+inline bool plays(const QString& path)
+{
+    return ffmpeg({"-xerror", "-i", path, "-f", "null", "-"});
+}
+
 // Seconds of audio the whole first audio stream decodes to.
 inline double decodedAudioSeconds(const QString& path)
 {

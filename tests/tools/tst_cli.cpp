@@ -171,7 +171,7 @@ private slots:
         }
     }
 
-    void clipAndMergeSucceedQuietlyOffATerminal()
+    void commandsSucceedQuietlyOffATerminal()
     {
         const QString out = path("clip out.mp4");
         const CliRun r = runCli({"clip", path("a.mp4"), out, "--start", "0.5", "--end", "2.5"});
@@ -192,14 +192,11 @@ private slots:
         QCOMPARE(m.exitCode, 0);
         QCOMPARE(m.err, QString());
         QVERIFY(qAbs(TestMedia::seconds(path("merged.mp4")) - 5.0) < 0.1);
-    }
 
-    void thumbnailWritesAPng()
-    {
         const QString png = path("frame 1.png");
-        const CliRun r = runCli({"thumbnail", path("a.mp4"), "1.5", png});
-        QCOMPARE(r.exitCode, 0);
-        QCOMPARE(r.err, QString());
+        const CliRun t = runCli({"thumbnail", path("a.mp4"), "1.5", png});
+        QCOMPARE(t.exitCode, 0);
+        QCOMPARE(t.err, QString());
         QImage image(png, "PNG");
         QCOMPARE(image.size(), QSize(320, 240));
         // The test pattern's first bar is black and some other bar is saturated.
@@ -241,7 +238,7 @@ private slots:
         // The partial file was closed properly and plays.
         const double kept = TestMedia::seconds(out);
         QVERIFY2(kept > 1.0 && kept < 11.0, qPrintable(QString::number(kept)));
-        QVERIFY(TestMedia::ffmpeg({"-xerror", "-i", out, "-f", "null", "-"}));
+        QVERIFY(TestMedia::plays(out));
     }
 
     void progressIsDrawnInPlaceOnATerminalOnly()

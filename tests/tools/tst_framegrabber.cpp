@@ -2,6 +2,8 @@
 #include "ToolTestSupport.h"
 
 #include <cmath>
+#include <functional>
+#include <numeric>
 
 // One decoded picture as packed I420 at the stream's coded size, compared with what the
 // ffmpeg tool decodes for the same instant.
@@ -40,10 +42,9 @@ private:
 
     static double meanDifference(const uint8_t* a, const uint8_t* b, int n)
     {
-        double sum = 0;
-        for (int i = 0; i < n; ++i)
-            sum += std::abs(int(a[i]) - int(b[i]));
-        return n > 0 ? sum / n : 0.0;
+        return std::inner_product(a, a + n, b, 0.0, std::plus<>(),
+                                  [](int x, int y) { return std::abs(x - y); }) /
+               n;
     }
 
 private slots:

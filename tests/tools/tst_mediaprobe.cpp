@@ -73,14 +73,15 @@ private slots:
         LogCapture log;
         CommonTool tool;
         const QVariantMap info = tool.getVideoInfo(path("plain.mp4"));
-        QCOMPARE(info.keys(), (QStringList{"audioBitrate", "audioCodecId", "bitrate", "codecId", "fps",
-                                           "height", "width"}));
-        QCOMPARE(info.value("codecId").toInt(), int(AV_CODEC_ID_H264));
-        QCOMPARE(info.value("width").toInt(), 320);
-        QCOMPARE(info.value("height").toInt(), 240);
-        QCOMPARE(info.value("fps").toInt(), 25);
-        QCOMPARE(info.value("audioCodecId").toInt(), int(AV_CODEC_ID_AAC));
         QVERIFY(info.value("bitrate").toLongLong() > 0 && info.value("audioBitrate").toLongLong() > 0);
+        QVariantMap fixed = info;
+        fixed.remove("bitrate");
+        fixed.remove("audioBitrate");
+        QCOMPARE(fixed, (QVariantMap{{"codecId", int(AV_CODEC_ID_H264)},
+                                     {"width", 320},
+                                     {"height", 240},
+                                     {"fps", 25},
+                                     {"audioCodecId", int(AV_CODEC_ID_AAC)}}));
         QCOMPARE(info.value("bitrate").userType(), int(QMetaType::LongLong));
         QVERIFY(log.contains("Video info - codec_id:27, size:320x240"));
         QVERIFY(log.contains("Audio info - codec_id:86018"));
@@ -176,10 +177,9 @@ private slots:
         if (!droppedBy.isEmpty()) {
             QCOMPARE(int(l.output->nb_streams), 2);
             const QString name = avcodec_get_name(l.input->streams[2]->codecpar->codec_id);
-            QCOMPARE(log.lines(lvl::warn),
-                     QStringList{QStringLiteral("Subtitle codec %1 not supported in %2 container, skipping "
-                                                "subtitle stream")
-                                     .arg(name, droppedBy)});
+            const QString warning(
+                "Subtitle codec %1 not supported in %2 container, skipping subtitle stream");
+            QCOMPARE(log.lines(lvl::warn), QStringList{warning.arg(name, droppedBy)});
             QVERIFY(log.contains("Skipping stream index 2 (Subtitle)"));
         } else {
             QCOMPARE(int(l.output->nb_streams), 3);

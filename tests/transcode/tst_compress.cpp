@@ -13,6 +13,8 @@ private:
     QString m_h264;   // 160x120, 2 s at 25 fps, H.264 + AAC in MP4 (bit rates known)
     QString m_silent; // 160x120, 1 s, H.264 without audio in Matroska (bit rate unknown)
 
+    CommonTool& tool = *CommonTool::instance();
+
     QString out(const QString& name) const { return m_dir + "/" + name; }
 
 private slots:
@@ -26,7 +28,7 @@ private slots:
         QVERIFY(TestMedia::makeVideo(m_silent, 1, 160, 120, 25, false, {"-c:v", "libx264"}));
     }
 
-    void init() { CommonTool::instance()->resetCancelState(); }
+    void init() { tool.resetCancelState(); }
 
     // The level picks the encoder's quality factor and the share of the source's bit rates
     // (FLV records both bit rates); numbers outside the table act as level 1. The source shapes
@@ -71,7 +73,6 @@ private slots:
         QFETCH(QString, expected);
         QFETCH(QByteArray, settings);
         QFETCH(double, factor);
-        CommonTool& tool = *CommonTool::instance();
         JobRecorder rec(tool);
         const QString target =
             out(QString(QTest::currentDataTag()).replace(' ', '-') + (factor ? ".flv" : ".mkv"));
@@ -98,7 +99,6 @@ private slots:
     // are carried over unchanged.
     void progressCountsEncodedFrames()
     {
-        CommonTool& tool = *CommonTool::instance();
         JobRecorder rec(tool);
         const QString target = out("progress.mp4");
         QVERIFY(tool.compressVideo(m_h264, target, 1));
@@ -118,33 +118,11 @@ private slots:
         QVERIFY(TestMedia::decodeErrors(target).isEmpty());
     }
 
-    void cancelMidwayLeavesNoTrailer()
+    // Asked before the start, a cancel stops the synchronous routine at its first check (it does
+    // not clear the flag); the asynchronous one clears it first and runs to the end on the pool.
+    // Asked midway, the job stops without flushing and writes no trailer.
+    void cancel()
     {
-        CommonTool& tool = *CommonTool::instance();
-        JobRecorder rec(tool);
-        connect(&tool, &CommonTool::videoCompressionProgress, &rec, [&tool](int p) {
-            if (p >= 3)
-                tool.cancelVideoOperation();
-        });
-        LogCapture log;
-        const QString target = out("cancelled.mp4");
-        QVERIFY(!tool.compressVideo(m_h264, target, 1));
-        rec.checkProtocol(false, true);
-        QCOMPARE(rec.count("cancelled"), 1);
-        // Seen after the packet whose frame reported progress, or between frames when the
-        // packet held more than one: either way nothing is flushed.
-        QCOMPARE(log.count("Video compression cancelled"), 1);
-        QVERIFY(log.contains("Video compression completed: failed"));
-        // No trailer: an MP4 without its index is not readable.
-        QVERIFY(QFile::exists(target));
-        QVERIFY(TestMedia::probe(target, "format=format_name").isEmpty());
-    }
-
-    // The synchronous routine does not clear an earlier cancel: the job stops at its first
-    // check. The asynchronous one clears it first and runs to the end on the pool.
-    void cancelFlagBeforeStart()
-    {
-        CommonTool& tool = *CommonTool::instance();
         JobRecorder rec(tool);
         LogCapture log;
         tool.cancelVideoOperation();
@@ -159,6 +137,24 @@ private slots:
         QVERIFY(rec.waitFinished());
         rec.checkProtocol(true, true);
         QVERIFY(TestMedia::packetCount(out("async.mkv"), "v:0") > 0);
+
+        rec.events.clear();
+        log.clear();
+        connect(&tool, &CommonTool::videoCompressionProgress, &rec, [this](int p) {
+            if (p >= 3)
+                tool.cancelVideoOperation();
+        });
+        const QString target = out("cancelled.mp4");
+        QVERIFY(!tool.compressVideo(m_h264, target, 1));
+        rec.checkProtocol(false, true);
+        QCOMPARE(rec.count("cancelled"), 1);
+        // Seen after the packet whose frame reported progress, or between frames when the
+        // packet held more than one: either way nothing is flushed.
+        QCOMPARE(log.count("Video compression cancelled"), 1);
+        QVERIFY(log.contains("Video compression completed: failed"));
+        // No trailer: an MP4 without its index is not readable.
+        QVERIFY(QFile::exists(target));
+        QVERIFY(TestMedia::probe(target, "format=format_name").isEmpty());
     }
 
     // Failures end with false and the reason; a Matroska file cut short still opens and what
@@ -199,7 +195,6 @@ private slots:
         QFETCH(QString, output);
         QFETCH(QString, message);
         QFETCH(bool, total);
-        CommonTool& tool = *CommonTool::instance();
         JobRecorder rec(tool);
         LogCapture log;
         const bool ok = tool.compressVideo(input, output, 1);

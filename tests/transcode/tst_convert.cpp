@@ -17,13 +17,6 @@ VideoInfo request(int codecId, int audioCodecId = 0, int64_t audioBitrate = 0)
     return info;
 }
 
-constexpr int kH264 = 27;
-constexpr int kAac = 86018;
-constexpr int kMp3 = 86017;
-constexpr int kFlac = 86028;
-constexpr int kVorbis = 86021;
-constexpr int kPcmS16le = 65536;
-
 } // namespace
 
 class ConvertTest : public QObject
@@ -35,6 +28,8 @@ private:
     QString m_mkv;      // 160x120, 2 s at 25 fps, H.264 + AAC (44.1 kHz mono) in Matroska
     QString m_30fps;    // 160x120, 1 s at 30 fps, H.264 without audio in MP4
     QString m_surround; // 160x120, 2 s, H.264 + PCM at 88.2 kHz in 5.1 in Matroska
+
+    CommonTool& tool = *CommonTool::instance();
 
     QString out(const QString& name) const { return m_dir + "/" + name; }
 
@@ -52,11 +47,10 @@ private slots:
                                      {"-c:v", "libx264", "-c:a", "pcm_s16le", "-ar", "88200", "-ac", "6"}));
     }
 
-    void init() { CommonTool::instance()->resetCancelState(); }
+    void init() { tool.resetCancelState(); }
 
     void copyBothStreamsIsAPureRemux()
     {
-        CommonTool& tool = *CommonTool::instance();
         JobRecorder rec(tool);
         const QString target = out("remux.mp4");
         QVERIFY(tool.convertVideoFormat(m_mkv, target, request(0, 0)));
@@ -94,10 +88,9 @@ private slots:
         QFETCH(QString, ratioLine);
         QFETCH(int, repeat);
         QFETCH(QString, container);
-        CommonTool& tool = *CommonTool::instance();
         JobRecorder rec(tool);
         LogCapture log(spdlog::level::debug);
-        VideoInfo info = request(kH264);
+        VideoInfo info = request(AV_CODEC_ID_H264);
         info.fps = fps;
         const QString target = out(QStringLiteral("fps%1.%2").arg(fps).arg(container));
         QVERIFY(tool.convertVideoFormat(source, target, info));
@@ -126,18 +119,18 @@ private slots:
                       const char* expected, qint64 bitRate) {
             QTest::newRow(tag) << source << codec << QString(container) << QString(expected) << bitRate;
         };
-        row("aac in mp4", m_mkv, kAac, "mp4", "aac\n44100\n1", 0);
-        row("aac in mkv", m_mkv, kAac, "mkv", "aac\n44100\n1", 0);
-        row("mp3 in mkv", m_mkv, kMp3, "mkv", "mp3\n44100\n1", 0);
-        row("mp3 in mp4", m_mkv, kMp3, "mp4", "mp3\n44100\n1", 0);
-        row("flac in mkv", m_mkv, kFlac, "mkv", "flac\n44100\n1", 0);
-        row("vorbis in mkv", m_mkv, kVorbis, "mkv", "vorbis\n44100\n1", 0);
-        row("pcm in mkv", m_mkv, kPcmS16le, "mkv", "pcm_s16le\n44100\n1", 0);
-        row("pcm in mov", m_mkv, kPcmS16le, "mov", "pcm_s16le\n44100\n1", 0);
+        row("aac in mp4", m_mkv, AV_CODEC_ID_AAC, "mp4", "aac\n44100\n1", 0);
+        row("aac in mkv", m_mkv, AV_CODEC_ID_AAC, "mkv", "aac\n44100\n1", 0);
+        row("mp3 in mkv", m_mkv, AV_CODEC_ID_MP3, "mkv", "mp3\n44100\n1", 0);
+        row("mp3 in mp4", m_mkv, AV_CODEC_ID_MP3, "mp4", "mp3\n44100\n1", 0);
+        row("flac in mkv", m_mkv, AV_CODEC_ID_FLAC, "mkv", "flac\n44100\n1", 0);
+        row("vorbis in mkv", m_mkv, AV_CODEC_ID_VORBIS, "mkv", "vorbis\n44100\n1", 0);
+        row("pcm in mkv", m_mkv, AV_CODEC_ID_PCM_S16LE, "mkv", "pcm_s16le\n44100\n1", 0);
+        row("pcm in mov", m_mkv, AV_CODEC_ID_PCM_S16LE, "mov", "pcm_s16le\n44100\n1", 0);
         // Rates and layouts the encoder does not take are converted to ones it does.
-        row("88.2 kHz 5.1 to mp3", m_surround, kMp3, "mkv", "mp3\n48000\n2", 192000);
-        row("88.2 kHz 5.1 to aac", m_surround, kAac, "mp4", "aac\n88200\n6", 192000);
-        row("88.2 kHz 5.1 to flac", m_surround, kFlac, "mkv", "flac\n88200\n6", 0);
+        row("88.2 kHz 5.1 to mp3", m_surround, AV_CODEC_ID_MP3, "mkv", "mp3\n48000\n2", 192000);
+        row("88.2 kHz 5.1 to aac", m_surround, AV_CODEC_ID_AAC, "mp4", "aac\n88200\n6", 192000);
+        row("88.2 kHz 5.1 to flac", m_surround, AV_CODEC_ID_FLAC, "mkv", "flac\n88200\n6", 0);
     }
     void offeredAudioEncodersGiveCompleteStreams()
     {
@@ -146,7 +139,6 @@ private slots:
         QFETCH(QString, container);
         QFETCH(QString, expected);
         QFETCH(qint64, bitRate);
-        CommonTool& tool = *CommonTool::instance();
         JobRecorder rec(tool);
         const QString target =
             out(QStringLiteral("audio-%1-%2.%3").arg(codecId).arg(QFileInfo(source).baseName(), container));
@@ -176,11 +168,14 @@ private slots:
     // audioCodecId 0 copies the audio.
     void pageMapRunsOnThePool()
     {
-        CommonTool& tool = *CommonTool::instance();
         tool.cancelVideoOperation();
         JobRecorder rec(tool);
-        const QVariantMap map{{"codecId", kH264}, {"width", 641},   {"height", 361},
-                              {"fps", 24},        {"bitrate", 256}, {"audioCodecId", 0}};
+        const QVariantMap map{{"codecId", int(AV_CODEC_ID_H264)},
+                              {"width", 641},
+                              {"height", 361},
+                              {"fps", 24},
+                              {"bitrate", 256},
+                              {"audioCodecId", 0}};
         const QString target = out("page.mp4");
         tool.convertVideoFormatAsync(m_mkv, target, map);
         QVERIFY(rec.waitFinished());
@@ -194,10 +189,9 @@ private slots:
     // A cancel seen between packets still finishes the file; the job reports failure.
     void cancelBetweenPacketsClosesTheFile()
     {
-        CommonTool& tool = *CommonTool::instance();
         JobRecorder rec(tool);
         connect(&tool, &CommonTool::videoCompressionProgress, &rec,
-                [&tool](int) { tool.cancelVideoOperation(); });
+                [this](int) { tool.cancelVideoOperation(); });
         LogCapture log;
         const QString target = out("cancel-copy.mp4");
         QVERIFY(!tool.convertVideoFormat(m_mkv, target, request(0, 0)));
@@ -218,7 +212,6 @@ private slots:
         const QString long10s = out("long.mkv");
         QVERIFY(TestMedia::makeVideo(long10s, 10, 320, 240, 25, false,
                                      {"-c:v", "libx264", "-preset", "ultrafast"}));
-        CommonTool& tool = *CommonTool::instance();
         JobRecorder rec(tool);
         std::atomic<int> frames{0};
         connect(
@@ -231,7 +224,7 @@ private slots:
         });
         LogCapture log;
         const QString target = out("cancel-threaded.mp4");
-        const bool ok = tool.convertVideoFormat(long10s, target, request(kH264));
+        const bool ok = tool.convertVideoFormat(long10s, target, request(AV_CODEC_ID_H264));
         canceller.join();
         QVERIFY(!ok);
         rec.checkProtocol(ok, true);
@@ -256,16 +249,16 @@ private slots:
             QTest::newRow(tag) << in << dir + "/" + o << video << audio << message << total;
         };
         for (const char* name : {"missing", "empty", "text", "random bytes", "truncated"})
-            row(name, bad[name], QStringLiteral("%1.mkv").arg(name), kH264, 0, "Could not open input file",
-                false);
+            row(name, bad[name], QStringLiteral("%1.mkv").arg(name), AV_CODEC_ID_H264, 0,
+                "Could not open input file", false);
         row("audio only", bad["audio only"], "o4.mp4", 0, 0, "No video stream found", false);
         row("unknown extension", m_mkv, "o5.zzz", 0, 0, "Could not create output context", false);
         row("no such video encoder", m_mkv, "o6.mp4", 999999, 0,
             "Video encoder not found for codec ID: 999999", false);
-        row("audio codec as video", m_mkv, "o7.mp4", kAac, 0, "Video encoder not found for codec ID: 86018",
-            false);
-        row("video codec as audio", m_mkv, "o8.mp4", 0, kH264, "Audio encoder not found for codec ID: 27",
-            false);
+        row("audio codec as video", m_mkv, "o7.mp4", AV_CODEC_ID_AAC, 0,
+            "Video encoder not found for codec ID: 86018", false);
+        row("video codec as audio", m_mkv, "o8.mp4", 0, AV_CODEC_ID_H264,
+            "Audio encoder not found for codec ID: 27", false);
         row("unwritable output", m_mkv, "missing/dir/o9.mp4", 0, 0, "Could not open output file", false);
         // WAV holds no video: the muxer refuses the header after the total was announced.
         row("container refuses the streams", m_mkv, "o10.wav", 0, 0, "Error occurred when writing header",
@@ -279,7 +272,6 @@ private slots:
         QFETCH(int, audioCodecId);
         QFETCH(QString, message);
         QFETCH(bool, total);
-        CommonTool& tool = *CommonTool::instance();
         JobRecorder rec(tool);
         LogCapture log;
         QVERIFY(!tool.convertVideoFormat(input, output, request(codecId, audioCodecId)));
