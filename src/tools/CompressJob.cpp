@@ -1,10 +1,8 @@
 #include "CompressJob.h"
 
 #include "CommonTool.h"
+#include "EncodeSession.h"
 #include "EncodeSteps.h"
-#include "FfmpegPtr.h"
-#include "FrameScaler.h"
-#include "MediaProbe.h"
 
 extern "C" {
 #include <libavutil/opt.h>
@@ -35,23 +33,11 @@ Level levelSettings(int compressionLevel)
 } // namespace
 
 // Everything one compression holds; destroyed (files closed) before the finished signal.
-struct CompressJob::Session
+struct CompressJob::Session : EncodeSession
 {
-    ff::InputFormatPtr input;
-    ff::OutputFormatPtr output;
-    ff::CodecContextPtr videoDecoder;
-    ff::CodecContextPtr videoEncoder;
     ff::CodecContextPtr audioDecoder;
-    ff::CodecContextPtr audioEncoder;
-    FrameScaler scaler;
-    ff::FramePtr decoded;
+    ff::CodecContextPtr audioEncoder; // describes the copied audio stream
     ff::FramePtr converted;
-    ff::PacketPtr packet;
-    ff::PacketPtr encoded;
-    int videoIndex = -1;
-    int audioIndex = -1;
-    AVStream* videoOut = nullptr;
-    AVStream* audioOut = nullptr;
     int64_t frameCounter = 0;
 };
 
@@ -66,8 +52,8 @@ bool CompressJob::run(const QString& inputPath, const QString& outputPath, int c
         Session s;
         if (prepare(s, inputPath, outputPath, compressionLevel)) {
             loopReached = true;
-            const LoopEnd end = mainLoop(s);
-            if (end == LoopEnd::EndOfInput && !m_tool.isCancelled()) {
+            const EncodeLoopEnd end = mainLoop(s);
+            if (end == EncodeLoopEnd::EndOfInput && !m_tool.isCancelled()) {
                 // The decoder is deliberately not drained: frames it still holds at the end
                 // of the input are not encoded.
                 EncodeSteps::flushEncoder(s.videoEncoder.get(), s.output.get(), s.videoOut, s.encoded.get());
@@ -85,15 +71,10 @@ bool CompressJob::prepare(Session& s, const QString& inputPath, const QString& o
                           int compressionLevel)
 {
     const Level level = levelSettings(compressionLevel);
-    if (!MediaProbe::openInputFile(inputPath, s.input))
+    // Unlike conversion, an attached picture counts as the video stream here.
+    if (!s.open(inputPath, outputPath, false))
         return false;
     AVFormatContext* in = s.input.get();
-
-    // Unlike conversion, an attached picture counts as the video stream here.
-    if (!EncodeSteps::findStreams(in, false, &s.videoIndex, &s.audioIndex))
-        return false;
-    if (!MediaProbe::createOutputContext(s.output, outputPath))
-        return false;
 
     int64_t total = 0;
     if (EncodeSteps::countVideoPackets(in, s.videoIndex, &total))
@@ -224,24 +205,24 @@ bool CompressJob::openAudioCoders(Session& s, double factor)
     return true;
 }
 
-CompressJob::LoopEnd CompressJob::mainLoop(Session& s)
+EncodeLoopEnd CompressJob::mainLoop(Session& s)
 {
     AVFormatContext* in = s.input.get();
     AVPacket* packet = s.packet.get();
     for (;;) {
         if (m_tool.isCancelled()) {
             emitCancelled("Video compression cancelled by user");
-            return LoopEnd::CancelledBetweenPackets;
+            return EncodeLoopEnd::CancelledBetweenPackets;
         }
         const int ret = av_read_frame(in, packet);
         if (ret < 0) {
             spdlog::info("read frame failed {}", ff::errorText(ret));
-            return LoopEnd::EndOfInput;
+            return EncodeLoopEnd::EndOfInput;
         }
         if (packet->stream_index == s.videoIndex) {
             if (!encodeVideoPacket(s)) {
                 av_packet_unref(packet);
-                return LoopEnd::CancelledInFrame;
+                return EncodeLoopEnd::CancelledInFrame;
             }
         } else if (packet->stream_index == s.audioIndex && s.audioEncoder) {
             EncodeSteps::copyPacket(in, s.output.get(), s.audioOut, packet);
@@ -249,41 +230,32 @@ CompressJob::LoopEnd CompressJob::mainLoop(Session& s)
         av_packet_unref(packet);
         if (m_tool.isCancelled()) {
             emitCancelled("Video compression cancelled by user");
-            return LoopEnd::CancelledBetweenPackets;
+            return EncodeLoopEnd::CancelledBetweenPackets;
         }
     }
 }
 
 bool CompressJob::encodeVideoPacket(Session& s)
 {
-    AVCodecContext* dec = s.videoDecoder.get();
     AVCodecContext* enc = s.videoEncoder.get();
-    AVFrame* frame = s.decoded.get();
     AVFrame* converted = s.converted.get();
-
-    // A damaged packet is skipped; the decoder resynchronises on the next ones.
-    if (avcodec_send_packet(dec, s.packet.get()) < 0)
-        return true;
-    while (avcodec_receive_frame(dec, frame) >= 0) {
-        if (m_tool.isCancelled()) {
-            av_frame_unref(frame);
-            emitCancelled("Video compression cancelled during frame processing");
+    const auto cancelled = [this]() {
+        if (!m_tool.isCancelled())
             return false;
-        }
-        const bool scaled = s.scaler.scale(frame, converted);
-        av_frame_unref(frame);
-        if (!scaled)
-            continue;
-        converted->pts = s.frameCounter++;
-        if (avcodec_send_frame(enc, converted) < 0)
-            continue;
-        EncodeSteps::writeEncodedPackets(
-            enc, s.output.get(), s.videoOut, s.encoded.get(), [this, &s](int64_t pts) {
-                spdlog::info("Video frame index:{} pts: {}", s.frameCounter, pts);
-                emit m_tool.videoCompressionProgress(EncodeSteps::toSignalValue(s.frameCounter));
-            });
-    }
-    return true;
+        emitCancelled("Video compression cancelled during frame processing");
+        return true;
+    };
+    return EncodeSteps::decodeToPictures(
+        s.videoDecoder.get(), s.packet.get(), s.decoded.get(), s.scaler, converted, cancelled, {}, [&]() {
+            converted->pts = s.frameCounter++;
+            if (avcodec_send_frame(enc, converted) < 0)
+                return;
+            EncodeSteps::writeEncodedPackets(
+                enc, s.output.get(), s.videoOut, s.encoded.get(), [this, &s](int64_t pts) {
+                    spdlog::info("Video frame index:{} pts: {}", s.frameCounter, pts);
+                    emit m_tool.videoCompressionProgress(EncodeSteps::toSignalValue(s.frameCounter));
+                });
+        });
 }
 
 void CompressJob::emitCancelled(const char* message)

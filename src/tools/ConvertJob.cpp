@@ -2,10 +2,8 @@
 
 #include "AudioReencoder.h"
 #include "CommonTool.h"
+#include "EncodeSession.h"
 #include "EncodeSteps.h"
-#include "FfmpegPtr.h"
-#include "FrameScaler.h"
-#include "MediaProbe.h"
 
 #include <algorithm>
 #include <cmath>
@@ -13,22 +11,10 @@
 #include <spdlog/spdlog.h>
 
 // Everything one conversion holds; destroyed (files closed) before the finished signal.
-struct ConvertJob::Session
+struct ConvertJob::Session : EncodeSession
 {
-    ff::InputFormatPtr input;
-    ff::OutputFormatPtr output;
-    ff::CodecContextPtr videoDecoder; // only when re-encoding the video
-    ff::CodecContextPtr videoEncoder;
-    FrameScaler scaler;
     std::unique_ptr<AudioReencoder> audio; // only when re-encoding the audio
-    ff::FramePtr decoded;
     ff::FramePtr scaled;
-    ff::PacketPtr packet;
-    ff::PacketPtr encoded;
-    int videoIndex = -1;
-    int audioIndex = -1;
-    AVStream* videoOut = nullptr;
-    AVStream* audioOut = nullptr;
     // Frame-rate conversion: input frame n covers the output slots
     // [trunc(n * ratio), trunc((n + 1) * ratio)); a slot already filled is not encoded again.
     double ratio = 1.0;
@@ -47,10 +33,10 @@ bool ConvertJob::run(const QString& inputPath, const QString& outputPath, const 
     {
         Session s;
         if (prepare(s, inputPath, outputPath, request)) {
-            const LoopEnd end = mainLoop(s);
+            const EncodeLoopEnd end = mainLoop(s);
             // A cancel seen between packets still closes the file properly; one seen while
             // frames were being encoded leaves it as it stands.
-            if (end != LoopEnd::CancelledInFrame) {
+            if (end != EncodeLoopEnd::CancelledInFrame) {
                 flush(s);
                 av_write_trailer(s.output.get());
             }
@@ -65,13 +51,9 @@ bool ConvertJob::run(const QString& inputPath, const QString& outputPath, const 
 bool ConvertJob::prepare(Session& s, const QString& inputPath, const QString& outputPath,
                          const VideoInfo& request)
 {
-    if (!MediaProbe::openInputFile(inputPath, s.input))
+    if (!s.open(inputPath, outputPath, true))
         return false;
     AVFormatContext* in = s.input.get();
-    if (!EncodeSteps::findStreams(in, true, &s.videoIndex, &s.audioIndex))
-        return false;
-    if (!MediaProbe::createOutputContext(s.output, outputPath))
-        return false;
 
     if (request.codecId <= 0 ? !setUpVideoCopy(s) : !setUpVideoEncode(s, request))
         return false;
@@ -103,16 +85,10 @@ bool ConvertJob::prepare(Session& s, const QString& inputPath, const QString& ou
 bool ConvertJob::setUpVideoCopy(Session& s)
 {
     spdlog::info("Copying video stream without re-encoding");
-    AVStream* videoIn = s.input->streams[s.videoIndex];
-    s.videoOut = avformat_new_stream(s.output.get(), nullptr);
-    if (!s.videoOut || avcodec_parameters_copy(s.videoOut->codecpar, videoIn->codecpar) < 0) {
+    s.videoOut = EncodeSteps::addCopiedStream(s.output.get(), s.input->streams[s.videoIndex]);
+    if (!s.videoOut)
         spdlog::error("Failed to copy video stream parameters");
-        return false;
-    }
-    // The source container's tag may mean nothing to the new one; let the muxer choose.
-    s.videoOut->codecpar->codec_tag = 0;
-    s.videoOut->time_base = videoIn->time_base;
-    return true;
+    return s.videoOut != nullptr;
 }
 
 bool ConvertJob::setUpVideoEncode(Session& s, const VideoInfo& request)
@@ -166,14 +142,10 @@ bool ConvertJob::setUpAudio(Session& s, const VideoInfo& request)
     AVStream* audioIn = s.input->streams[s.audioIndex];
     if (request.audioCodecId <= 0) {
         spdlog::info("Copying audio stream without re-encoding");
-        s.audioOut = avformat_new_stream(s.output.get(), nullptr);
-        if (!s.audioOut || avcodec_parameters_copy(s.audioOut->codecpar, audioIn->codecpar) < 0) {
+        s.audioOut = EncodeSteps::addCopiedStream(s.output.get(), audioIn);
+        if (!s.audioOut)
             spdlog::error("Failed to copy audio stream parameters");
-            return false;
-        }
-        s.audioOut->codecpar->codec_tag = 0;
-        s.audioOut->time_base = audioIn->time_base;
-        return true;
+        return s.audioOut != nullptr;
     }
     spdlog::info("Re-encoding audio with codec ID: {}", request.audioCodecId);
     s.audio = std::make_unique<AudioReencoder>();
@@ -183,7 +155,7 @@ bool ConvertJob::setUpAudio(Session& s, const VideoInfo& request)
     return true;
 }
 
-ConvertJob::LoopEnd ConvertJob::mainLoop(Session& s)
+EncodeLoopEnd ConvertJob::mainLoop(Session& s)
 {
     AVFormatContext* in = s.input.get();
     AVPacket* packet = s.packet.get();
@@ -191,16 +163,16 @@ ConvertJob::LoopEnd ConvertJob::mainLoop(Session& s)
         if (m_tool.isCancelled()) {
             spdlog::info("Video format conversion cancelled by user");
             emit m_tool.videoCompressionCancelled();
-            return LoopEnd::CancelledBetweenPackets;
+            return EncodeLoopEnd::CancelledBetweenPackets;
         }
         const int ret = av_read_frame(in, packet);
         if (ret < 0)
-            return LoopEnd::EndOfInput;
+            return EncodeLoopEnd::EndOfInput;
         if (packet->stream_index == s.videoIndex) {
             if (s.videoEncoder) {
                 if (!encodeVideoPacket(s)) {
                     av_packet_unref(packet);
-                    return LoopEnd::CancelledInFrame;
+                    return EncodeLoopEnd::CancelledInFrame;
                 }
             } else {
                 EncodeSteps::copyPacket(in, s.output.get(), s.videoOut, packet);
@@ -221,33 +193,25 @@ ConvertJob::LoopEnd ConvertJob::mainLoop(Session& s)
 
 bool ConvertJob::encodeVideoPacket(Session& s)
 {
-    AVCodecContext* dec = s.videoDecoder.get();
-    AVFrame* frame = s.decoded.get();
     AVFrame* scaled = s.scaled.get();
-    // A damaged packet is skipped; the decoder resynchronises on the next ones.
-    if (avcodec_send_packet(dec, s.packet.get()) < 0)
-        return true;
-    while (avcodec_receive_frame(dec, frame) >= 0) {
-        if (m_tool.isCancelled()) {
-            av_frame_unref(frame);
-            spdlog::info("Video format conversion cancelled during frame processing");
-            emit m_tool.videoCompressionCancelled();
+    const auto cancelled = [this]() {
+        if (!m_tool.isCancelled())
             return false;
-        }
-        if (!s.scaler.scale(frame, scaled)) {
-            av_frame_unref(frame);
-            continue;
-        }
+        spdlog::info("Video format conversion cancelled during frame processing");
+        emit m_tool.videoCompressionCancelled();
+        return true;
+    };
+    const auto keepKeyFlag = [scaled](const AVFrame* frame) {
 #if LIBAVUTIL_VERSION_INT >= AV_VERSION_INT(58, 7, 100)
         scaled->flags = (scaled->flags & ~AV_FRAME_FLAG_KEY) | (frame->flags & AV_FRAME_FLAG_KEY);
 #else
         scaled->key_frame = frame->key_frame;
 #endif
         scaled->pict_type = AV_PICTURE_TYPE_NONE;
-        av_frame_unref(frame);
-        encodeFrameSlots(s);
-    }
-    return true;
+    };
+    return EncodeSteps::decodeToPictures(s.videoDecoder.get(), s.packet.get(), s.decoded.get(), s.scaler,
+                                         scaled, cancelled, keepKeyFlag,
+                                         [this, &s]() { encodeFrameSlots(s); });
 }
 
 void ConvertJob::encodeFrameSlots(Session& s)

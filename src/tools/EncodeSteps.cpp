@@ -145,6 +145,16 @@ bool openVideoEncoder(const AVCodec* codec, AVFormatContext* output, ff::CodecCo
     return true;
 }
 
+AVStream* addCopiedStream(AVFormatContext* output, const AVStream* source)
+{
+    AVStream* stream = avformat_new_stream(output, nullptr);
+    if (!stream || avcodec_parameters_copy(stream->codecpar, source->codecpar) < 0)
+        return nullptr;
+    stream->codecpar->codec_tag = 0;
+    stream->time_base = source->time_base;
+    return stream;
+}
+
 bool allocatePicture(AVFrame* frame, int width, int height)
 {
     frame->format = AV_PIX_FMT_YUV420P;
@@ -186,6 +196,28 @@ void flushEncoder(AVCodecContext* encoder, AVFormatContext* output, AVStream* st
 {
     if (avcodec_send_frame(encoder, nullptr) >= 0)
         writeEncodedPackets(encoder, output, stream, packet);
+}
+
+bool decodeToPictures(AVCodecContext* decoder, const AVPacket* packet, AVFrame* frame, FrameScaler& scaler,
+                      AVFrame* picture, const std::function<bool()>& cancelled,
+                      const std::function<void(const AVFrame*)>& decoded,
+                      const std::function<void()>& scaledPicture)
+{
+    if (avcodec_send_packet(decoder, packet) < 0)
+        return true;
+    while (avcodec_receive_frame(decoder, frame) >= 0) {
+        if (cancelled()) {
+            av_frame_unref(frame);
+            return false;
+        }
+        const bool scaled = scaler.scale(frame, picture);
+        if (scaled && decoded)
+            decoded(frame);
+        av_frame_unref(frame);
+        if (scaled)
+            scaledPicture();
+    }
+    return true;
 }
 
 int toSignalValue(int64_t value)

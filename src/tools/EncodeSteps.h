@@ -1,6 +1,7 @@
 #pragma once
 
 #include "FfmpegPtr.h"
+#include "FrameScaler.h"
 
 #include <QString>
 #include <cstdint>
@@ -50,6 +51,11 @@ ff::CodecContextPtr openVideoDecoder(AVStream* stream, const char* noDecoderMess
 bool openVideoEncoder(const AVCodec* codec, AVFormatContext* output, ff::CodecContextPtr& encoder,
                       AVStream** stream, const std::function<void(AVCodecContext*)>& configure);
 
+// A new output stream with `source`'s parameters and time base for packets copied unchanged;
+// its codec tag is cleared, as the source container's tag may mean nothing to the new one
+// (the muxer chooses). Null when it cannot be made.
+AVStream* addCopiedStream(AVFormatContext* output, const AVStream* source);
+
 // Gives `frame` its own yuv420p buffer of the given size; false when it cannot.
 bool allocatePicture(AVFrame* frame, int width, int height);
 
@@ -65,6 +71,16 @@ void copyPacket(const AVFormatContext* input, AVFormatContext* output, AVStream*
 
 // Drains the encoder at the end of the input and writes what it still held.
 void flushEncoder(AVCodecContext* encoder, AVFormatContext* output, AVStream* stream, AVPacket* packet);
+
+// Sends one packet to the decoder and scales every frame it returns into `picture`. Before each
+// frame `cancelled` is asked: when it answers true the frame is dropped and false returned. A
+// frame that cannot be scaled is dropped. `decoded` sees the decoded frame before it is released,
+// `scaledPicture` runs after. A packet the decoder refuses is skipped (it resynchronises on the
+// next ones).
+bool decodeToPictures(AVCodecContext* decoder, const AVPacket* packet, AVFrame* frame, FrameScaler& scaler,
+                      AVFrame* picture, const std::function<bool()>& cancelled,
+                      const std::function<void(const AVFrame*)>& decoded,
+                      const std::function<void()>& scaledPicture);
 
 // Saturates a 64-bit count to the int range of the progress signals.
 int toSignalValue(int64_t value);
