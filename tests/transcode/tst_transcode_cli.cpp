@@ -48,22 +48,16 @@ private slots:
         QTest::addColumn<QString>("option");
         QTest::addColumn<QString>("value");
         QTest::addColumn<QString>("codec");
-        auto row = [](const char* tag, const char* option, const char* value, const char* codec) {
-            QTest::newRow(tag) << QString(option) << QString(value) << QString(codec);
-        };
-        row("audio copy", "--audio-codec", "copy", "aac");
-        row("audio aac", "--audio-codec", "aac", "aac");
-        row("audio mp3", "--audio-codec", "mp3", "mp3");
-        row("audio flac", "--audio-codec", "flac", "flac");
-        row("audio m4a", "--audio-codec", "m4a", "aac");
-        row("audio wav", "--audio-codec", "wav", "pcm_s16le");
-        row("audio ogg", "--audio-codec", "ogg", "vorbis");
-        row("audio id", "--audio-codec", "86028", "flac");
-        row("audio library name", "--audio-codec", "opus", "opus");
-        row("video copy", "--codec", "copy", "h264");
-        row("video hevc", "--codec", "hevc", "hevc");
-        row("video id", "--codec", "27", "h264");
-        row("video library name", "--codec", "mpeg4", "mpeg4");
+        // Names of the convert page, codec ids and the library's own encoder names.
+        const QList<QPair<QString, QString>> audio{{"copy", "aac"},   {"aac", "aac"},    {"mp3", "mp3"},
+                                                   {"flac", "flac"},  {"m4a", "aac"},    {"wav", "pcm_s16le"},
+                                                   {"ogg", "vorbis"}, {"86028", "flac"}, {"opus", "opus"}};
+        const QList<QPair<QString, QString>> video{
+            {"copy", "h264"}, {"hevc", "hevc"}, {"27", "h264"}, {"mpeg4", "mpeg4"}};
+        for (const auto& a : audio)
+            QTest::newRow(qPrintable("audio " + a.first)) << QString("--audio-codec") << a.first << a.second;
+        for (const auto& v : video)
+            QTest::newRow(qPrintable("video " + v.first)) << QString("--codec") << v.first << v.second;
     }
     void codecNames()
     {
