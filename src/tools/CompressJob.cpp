@@ -1,9 +1,8 @@
 #include "CompressJob.h"
 
 #include "CommonTool.h"
+#include "EncodeSession.h"
 #include "EncodeSteps.h"
-#include "FfmpegPtr.h"
-#include "MediaProbe.h"
 
 extern "C" {
 #include <libavutil/opt.h>
@@ -34,28 +33,11 @@ Level levelSettings(int compressionLevel)
 } // namespace
 
 // Everything one compression holds; destroyed (files closed) before the finished signal.
-struct CompressJob::Session
+struct CompressJob::Session : EncodeSession
 {
-    ff::InputFormatPtr input;
-    ff::OutputFormatPtr output;
-    ff::CodecContextPtr videoDecoder;
-    ff::CodecContextPtr videoEncoder;
     ff::CodecContextPtr audioDecoder;
-    ff::CodecContextPtr audioEncoder;
-    ff::SwsPtr scaler;
-    ff::FramePtr decoded;
+    ff::CodecContextPtr audioEncoder; // describes the copied audio stream
     ff::FramePtr converted;
-    ff::PacketPtr packet;
-    ff::PacketPtr encoded;
-    int videoIndex = -1;
-    int audioIndex = -1;
-    AVStream* videoOut = nullptr;
-    AVStream* audioOut = nullptr;
-    // The source the scaler was made for; a decoded frame of another size or format gets a
-    // new scaler instead of being read out of bounds.
-    int scalerWidth = 0;
-    int scalerHeight = 0;
-    int scalerFormat = AV_PIX_FMT_NONE;
     int64_t frameCounter = 0;
 };
 
@@ -70,11 +52,11 @@ bool CompressJob::run(const QString& inputPath, const QString& outputPath, int c
         Session s;
         if (prepare(s, inputPath, outputPath, compressionLevel)) {
             loopReached = true;
-            const LoopEnd end = mainLoop(s);
-            if (end == LoopEnd::EndOfInput && !m_tool.isCancelled()) {
+            const EncodeLoopEnd end = mainLoop(s);
+            if (end == EncodeLoopEnd::EndOfInput && !m_tool.isCancelled()) {
                 // The decoder is deliberately not drained: frames it still holds at the end
                 // of the input are not encoded.
-                flushVideoEncoder(s);
+                EncodeSteps::flushEncoder(s.videoEncoder.get(), s.output.get(), s.videoOut, s.encoded.get());
                 av_write_trailer(s.output.get());
             }
         }
@@ -89,43 +71,18 @@ bool CompressJob::prepare(Session& s, const QString& inputPath, const QString& o
                           int compressionLevel)
 {
     const Level level = levelSettings(compressionLevel);
-    if (!MediaProbe::openInputFile(inputPath, s.input))
+    // Unlike conversion, an attached picture counts as the video stream here.
+    if (!s.open(inputPath, outputPath, false))
         return false;
     AVFormatContext* in = s.input.get();
-
-    // Unlike conversion, an attached picture counts as the video stream here.
-    for (unsigned i = 0; i < in->nb_streams; ++i) {
-        const AVMediaType type = in->streams[i]->codecpar->codec_type;
-        if (type == AVMEDIA_TYPE_VIDEO && s.videoIndex < 0)
-            s.videoIndex = static_cast<int>(i);
-        else if (type == AVMEDIA_TYPE_AUDIO && s.audioIndex < 0)
-            s.audioIndex = static_cast<int>(i);
-    }
-    if (s.videoIndex < 0) {
-        spdlog::error("No video stream found");
-        return false;
-    }
-    if (!MediaProbe::createOutputContext(s.output, outputPath))
-        return false;
 
     int64_t total = 0;
     if (EncodeSteps::countVideoPackets(in, s.videoIndex, &total))
         emit m_tool.videoCompressionFrameTotal(EncodeSteps::toSignalValue(total));
 
-    AVStream* videoIn = in->streams[s.videoIndex];
-    const AVCodec* decoder = avcodec_find_decoder(videoIn->codecpar->codec_id);
-    if (decoder)
-        s.videoDecoder.reset(avcodec_alloc_context3(decoder));
-    if (!s.videoDecoder || avcodec_parameters_to_context(s.videoDecoder.get(), videoIn->codecpar) < 0) {
-        spdlog::error("Failed to open video decoder");
+    s.videoDecoder = EncodeSteps::openVideoDecoder(in->streams[s.videoIndex], "Failed to open video decoder");
+    if (!s.videoDecoder)
         return false;
-    }
-    s.videoDecoder->pkt_timebase = videoIn->time_base;
-    EncodeSteps::configureDecoderThreads(s.videoDecoder.get());
-    if (avcodec_open2(s.videoDecoder.get(), decoder, nullptr) < 0) {
-        spdlog::error("Failed to open video decoder");
-        return false;
-    }
 
     if (!openVideoEncoder(s, level.factor, level.crf))
         return false;
@@ -133,27 +90,12 @@ bool CompressJob::prepare(Session& s, const QString& inputPath, const QString& o
         return false;
 
     AVCodecContext* dec = s.videoDecoder.get();
-    s.scaler.reset(sws_getContext(dec->width, dec->height, dec->pix_fmt, dec->width, dec->height,
-                                  AV_PIX_FMT_YUV420P, SWS_BILINEAR, nullptr, nullptr, nullptr));
-    if (!s.scaler) {
+    if (!s.scaler.open(dec->width, dec->height, dec->pix_fmt, dec->width, dec->height)) {
         spdlog::error("Failed to create scaling context");
         return false;
     }
-    s.scalerWidth = dec->width;
-    s.scalerHeight = dec->height;
-    s.scalerFormat = dec->pix_fmt;
-
-    AVFormatContext* out = s.output.get();
-    if (!(out->oformat->flags & AVFMT_NOFILE)) {
-        if (avio_open(&out->pb, outputPath.toUtf8().constData(), AVIO_FLAG_WRITE) < 0) {
-            spdlog::error("Could not open output file: {}", outputPath.toStdString());
-            return false;
-        }
-    }
-    if (avformat_write_header(out, nullptr) < 0) {
-        spdlog::error("Error occurred when writing header");
+    if (!EncodeSteps::openOutputFile(s.output.get(), outputPath) || !EncodeSteps::writeHeader(s.output.get()))
         return false;
-    }
 
     s.decoded = ff::makeFrame();
     s.converted = ff::makeFrame();
@@ -162,10 +104,7 @@ bool CompressJob::prepare(Session& s, const QString& inputPath, const QString& o
     if (!s.decoded || !s.converted || !s.packet || !s.encoded)
         return false;
     // The picture keeps the decoder's (possibly odd) size; the encoder reads its even part.
-    s.converted->format = AV_PIX_FMT_YUV420P;
-    s.converted->width = dec->width;
-    s.converted->height = dec->height;
-    if (av_frame_get_buffer(s.converted.get(), 0) < 0) {
+    if (!EncodeSteps::allocatePicture(s.converted.get(), dec->width, dec->height)) {
         spdlog::error("Could not allocate the converted picture");
         return false;
     }
@@ -184,37 +123,21 @@ bool CompressJob::openVideoEncoder(Session& s, double factor, int crf)
         spdlog::error("H264 encoder not found");
         return false;
     }
-    s.videoOut = avformat_new_stream(s.output.get(), nullptr);
-    s.videoEncoder.reset(avcodec_alloc_context3(encoder));
-    if (!s.videoOut || !s.videoEncoder) {
-        spdlog::error("Failed to open video encoder");
-        return false;
-    }
-    AVCodecContext* enc = s.videoEncoder.get();
-    enc->codec_id = encoder->id;
-    enc->width = dec->width & ~1;
-    enc->height = dec->height & ~1;
-    enc->thread_count = 0;
-    enc->thread_type = FF_THREAD_FRAME | FF_THREAD_SLICE;
-    enc->framerate = EncodeSteps::guessFrameRate(in, videoIn);
-    enc->time_base = av_inv_q(enc->framerate);
-    s.videoOut->time_base = enc->time_base;
-    enc->pix_fmt = AV_PIX_FMT_YUV420P;
-    enc->bit_rate = static_cast<int64_t>(static_cast<double>(dec->bit_rate) * factor);
-    enc->gop_size = 30;
-    // Encoders without these options simply ignore them.
-    av_opt_set_int(enc, "crf", crf, AV_OPT_SEARCH_CHILDREN);
-    av_opt_set(enc, "preset", "medium", AV_OPT_SEARCH_CHILDREN);
-    EncodeSteps::applyGlobalHeader(enc, s.output.get());
-    if (avcodec_open2(enc, encoder, nullptr) < 0) {
-        spdlog::error("Failed to open video encoder");
-        return false;
-    }
-    if (avcodec_parameters_from_context(s.videoOut->codecpar, enc) < 0) {
-        spdlog::error("Failed to copy video encoder parameters");
-        return false;
-    }
-    return true;
+    return EncodeSteps::openVideoEncoder(
+        encoder, s.output.get(), s.videoEncoder, &s.videoOut, [&](AVCodecContext* enc) {
+            enc->width = dec->width & ~1;
+            enc->height = dec->height & ~1;
+            enc->thread_count = 0;
+            enc->thread_type = FF_THREAD_FRAME | FF_THREAD_SLICE;
+            enc->framerate = EncodeSteps::guessFrameRate(in, videoIn);
+            enc->time_base = av_inv_q(enc->framerate);
+            enc->pix_fmt = AV_PIX_FMT_YUV420P;
+            enc->bit_rate = static_cast<int64_t>(static_cast<double>(dec->bit_rate) * factor);
+            enc->gop_size = 30;
+            // Encoders without these options simply ignore them.
+            av_opt_set_int(enc, "crf", crf, AV_OPT_SEARCH_CHILDREN);
+            av_opt_set(enc, "preset", "medium", AV_OPT_SEARCH_CHILDREN);
+        });
 }
 
 bool CompressJob::openAudioCoders(Session& s, double factor)
@@ -282,90 +205,57 @@ bool CompressJob::openAudioCoders(Session& s, double factor)
     return true;
 }
 
-CompressJob::LoopEnd CompressJob::mainLoop(Session& s)
+EncodeLoopEnd CompressJob::mainLoop(Session& s)
 {
     AVFormatContext* in = s.input.get();
     AVPacket* packet = s.packet.get();
     for (;;) {
         if (m_tool.isCancelled()) {
             emitCancelled("Video compression cancelled by user");
-            return LoopEnd::CancelledBetweenPackets;
+            return EncodeLoopEnd::CancelledBetweenPackets;
         }
         const int ret = av_read_frame(in, packet);
         if (ret < 0) {
             spdlog::info("read frame failed {}", ff::errorText(ret));
-            return LoopEnd::EndOfInput;
+            return EncodeLoopEnd::EndOfInput;
         }
         if (packet->stream_index == s.videoIndex) {
             if (!encodeVideoPacket(s)) {
                 av_packet_unref(packet);
-                return LoopEnd::CancelledInFrame;
+                return EncodeLoopEnd::CancelledInFrame;
             }
         } else if (packet->stream_index == s.audioIndex && s.audioEncoder) {
-            const AVRational inBase = in->streams[s.audioIndex]->time_base;
-            packet->stream_index = s.audioOut->index;
-            av_packet_rescale_ts(packet, inBase, s.audioOut->time_base);
-            packet->pos = -1;
-            av_interleaved_write_frame(s.output.get(), packet);
+            EncodeSteps::copyPacket(in, s.output.get(), s.audioOut, packet);
         }
         av_packet_unref(packet);
         if (m_tool.isCancelled()) {
             emitCancelled("Video compression cancelled by user");
-            return LoopEnd::CancelledBetweenPackets;
+            return EncodeLoopEnd::CancelledBetweenPackets;
         }
     }
 }
 
 bool CompressJob::encodeVideoPacket(Session& s)
 {
-    AVCodecContext* dec = s.videoDecoder.get();
     AVCodecContext* enc = s.videoEncoder.get();
-    AVFrame* frame = s.decoded.get();
     AVFrame* converted = s.converted.get();
-
-    // A damaged packet is skipped; the decoder resynchronises on the next ones.
-    if (avcodec_send_packet(dec, s.packet.get()) < 0)
-        return true;
-    while (avcodec_receive_frame(dec, frame) >= 0) {
-        if (m_tool.isCancelled()) {
-            av_frame_unref(frame);
-            emitCancelled("Video compression cancelled during frame processing");
+    const auto cancelled = [this]() {
+        if (!m_tool.isCancelled())
             return false;
-        }
-        if (frame->width != s.scalerWidth || frame->height != s.scalerHeight ||
-            frame->format != s.scalerFormat) {
-            s.scaler.reset(sws_getContext(
-                frame->width, frame->height, static_cast<AVPixelFormat>(frame->format), converted->width,
-                converted->height, AV_PIX_FMT_YUV420P, SWS_BILINEAR, nullptr, nullptr, nullptr));
-            s.scalerWidth = frame->width;
-            s.scalerHeight = frame->height;
-            s.scalerFormat = frame->format;
-        }
-        // The encoder may still hold the previous picture; never write into a shared buffer.
-        if (!s.scaler || av_frame_make_writable(converted) < 0) {
-            av_frame_unref(frame);
-            continue;
-        }
-        sws_scale(s.scaler.get(), frame->data, frame->linesize, 0, frame->height, converted->data,
-                  converted->linesize);
-        av_frame_unref(frame);
-        converted->pts = s.frameCounter++;
-        if (avcodec_send_frame(enc, converted) < 0)
-            continue;
-        EncodeSteps::writeEncodedPackets(
-            enc, s.output.get(), s.videoOut, s.encoded.get(), [this, &s](int64_t pts) {
-                spdlog::info("Video frame index:{} pts: {}", s.frameCounter, pts);
-                emit m_tool.videoCompressionProgress(EncodeSteps::toSignalValue(s.frameCounter));
-            });
-    }
-    return true;
-}
-
-void CompressJob::flushVideoEncoder(Session& s)
-{
-    if (avcodec_send_frame(s.videoEncoder.get(), nullptr) < 0)
-        return;
-    EncodeSteps::writeEncodedPackets(s.videoEncoder.get(), s.output.get(), s.videoOut, s.encoded.get());
+        emitCancelled("Video compression cancelled during frame processing");
+        return true;
+    };
+    return EncodeSteps::decodeToPictures(
+        s.videoDecoder.get(), s.packet.get(), s.decoded.get(), s.scaler, converted, cancelled, {}, [&]() {
+            converted->pts = s.frameCounter++;
+            if (avcodec_send_frame(enc, converted) < 0)
+                return;
+            EncodeSteps::writeEncodedPackets(
+                enc, s.output.get(), s.videoOut, s.encoded.get(), [this, &s](int64_t pts) {
+                    spdlog::info("Video frame index:{} pts: {}", s.frameCounter, pts);
+                    emit m_tool.videoCompressionProgress(EncodeSteps::toSignalValue(s.frameCounter));
+                });
+        });
 }
 
 void CompressJob::emitCancelled(const char* message)

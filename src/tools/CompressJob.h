@@ -3,6 +3,7 @@
 #include <QString>
 
 class CommonTool;
+enum class EncodeLoopEnd;
 
 // Re-encodes the video with the input's own codec at one of three levels and carries the
 // first audio stream over. Runs on the calling thread (a pool thread for the async form),
@@ -17,20 +18,13 @@ public:
 
 private:
     struct Session;
-    enum class LoopEnd
-    {
-        EndOfInput,
-        CancelledBetweenPackets,
-        CancelledInFrame,
-    };
 
     bool prepare(Session& s, const QString& inputPath, const QString& outputPath, int compressionLevel);
     bool openVideoEncoder(Session& s, double factor, int crf);
     bool openAudioCoders(Session& s, double factor);
-    LoopEnd mainLoop(Session& s);
+    EncodeLoopEnd mainLoop(Session& s);
     // False when the cancel flag was seen between two decoded frames.
     bool encodeVideoPacket(Session& s);
-    void flushVideoEncoder(Session& s);
     void emitCancelled(const char* message);
 
     CommonTool& m_tool;

@@ -2,9 +2,8 @@
 
 #include "AudioReencoder.h"
 #include "CommonTool.h"
+#include "EncodeSession.h"
 #include "EncodeSteps.h"
-#include "FfmpegPtr.h"
-#include "MediaProbe.h"
 
 #include <algorithm>
 #include <cmath>
@@ -12,26 +11,10 @@
 #include <spdlog/spdlog.h>
 
 // Everything one conversion holds; destroyed (files closed) before the finished signal.
-struct ConvertJob::Session
+struct ConvertJob::Session : EncodeSession
 {
-    ff::InputFormatPtr input;
-    ff::OutputFormatPtr output;
-    ff::CodecContextPtr videoDecoder; // only when re-encoding the video
-    ff::CodecContextPtr videoEncoder;
-    ff::SwsPtr scaler;
     std::unique_ptr<AudioReencoder> audio; // only when re-encoding the audio
-    ff::FramePtr decoded;
     ff::FramePtr scaled;
-    ff::PacketPtr packet;
-    ff::PacketPtr encoded;
-    int videoIndex = -1;
-    int audioIndex = -1;
-    AVStream* videoOut = nullptr;
-    AVStream* audioOut = nullptr;
-    // The source the scaler was made for (see encodeVideoPacket).
-    int scalerWidth = 0;
-    int scalerHeight = 0;
-    int scalerFormat = AV_PIX_FMT_NONE;
     // Frame-rate conversion: input frame n covers the output slots
     // [trunc(n * ratio), trunc((n + 1) * ratio)); a slot already filled is not encoded again.
     double ratio = 1.0;
@@ -50,10 +33,10 @@ bool ConvertJob::run(const QString& inputPath, const QString& outputPath, const 
     {
         Session s;
         if (prepare(s, inputPath, outputPath, request)) {
-            const LoopEnd end = mainLoop(s);
+            const EncodeLoopEnd end = mainLoop(s);
             // A cancel seen between packets still closes the file properly; one seen while
             // frames were being encoded leaves it as it stands.
-            if (end != LoopEnd::CancelledInFrame) {
+            if (end != EncodeLoopEnd::CancelledInFrame) {
                 flush(s);
                 av_write_trailer(s.output.get());
             }
@@ -68,44 +51,22 @@ bool ConvertJob::run(const QString& inputPath, const QString& outputPath, const 
 bool ConvertJob::prepare(Session& s, const QString& inputPath, const QString& outputPath,
                          const VideoInfo& request)
 {
-    if (!MediaProbe::openInputFile(inputPath, s.input))
+    if (!s.open(inputPath, outputPath, true))
         return false;
     AVFormatContext* in = s.input.get();
-    for (unsigned i = 0; i < in->nb_streams; ++i) {
-        const AVStream* st = in->streams[i];
-        const AVMediaType type = st->codecpar->codec_type;
-        if (type == AVMEDIA_TYPE_VIDEO && !(st->disposition & AV_DISPOSITION_ATTACHED_PIC) &&
-            s.videoIndex < 0)
-            s.videoIndex = static_cast<int>(i);
-        else if (type == AVMEDIA_TYPE_AUDIO && s.audioIndex < 0)
-            s.audioIndex = static_cast<int>(i);
-    }
-    if (s.videoIndex < 0) {
-        spdlog::error("No video stream found");
-        return false;
-    }
-    if (!MediaProbe::createOutputContext(s.output, outputPath))
-        return false;
 
     if (request.codecId <= 0 ? !setUpVideoCopy(s) : !setUpVideoEncode(s, request))
         return false;
     if (s.audioIndex >= 0 && !setUpAudio(s, request))
         return false;
 
-    AVFormatContext* out = s.output.get();
-    if (!(out->oformat->flags & AVFMT_NOFILE)) {
-        if (avio_open(&out->pb, outputPath.toUtf8().constData(), AVIO_FLAG_WRITE) < 0) {
-            spdlog::error("Could not open output file: {}", outputPath.toStdString());
-            return false;
-        }
-    }
+    if (!EncodeSteps::openOutputFile(s.output.get(), outputPath))
+        return false;
     int64_t total = 0;
     if (EncodeSteps::countVideoPackets(in, s.videoIndex, &total))
         emit m_tool.videoCompressionFrameTotal(EncodeSteps::toSignalValue(total));
-    if (avformat_write_header(out, nullptr) < 0) {
-        spdlog::error("Error occurred when writing header");
+    if (!EncodeSteps::writeHeader(s.output.get()))
         return false;
-    }
 
     AVStream* videoIn = in->streams[s.videoIndex];
     const AVRational inRate = av_guess_frame_rate(in, videoIn, nullptr);
@@ -124,16 +85,10 @@ bool ConvertJob::prepare(Session& s, const QString& inputPath, const QString& ou
 bool ConvertJob::setUpVideoCopy(Session& s)
 {
     spdlog::info("Copying video stream without re-encoding");
-    AVStream* videoIn = s.input->streams[s.videoIndex];
-    s.videoOut = avformat_new_stream(s.output.get(), nullptr);
-    if (!s.videoOut || avcodec_parameters_copy(s.videoOut->codecpar, videoIn->codecpar) < 0) {
+    s.videoOut = EncodeSteps::addCopiedStream(s.output.get(), s.input->streams[s.videoIndex]);
+    if (!s.videoOut)
         spdlog::error("Failed to copy video stream parameters");
-        return false;
-    }
-    // The source container's tag may mean nothing to the new one; let the muxer choose.
-    s.videoOut->codecpar->codec_tag = 0;
-    s.videoOut->time_base = videoIn->time_base;
-    return true;
+    return s.videoOut != nullptr;
 }
 
 bool ConvertJob::setUpVideoEncode(Session& s, const VideoInfo& request)
@@ -142,22 +97,9 @@ bool ConvertJob::setUpVideoEncode(Session& s, const VideoInfo& request)
     AVFormatContext* in = s.input.get();
     AVStream* videoIn = in->streams[s.videoIndex];
 
-    const AVCodec* decoder = avcodec_find_decoder(videoIn->codecpar->codec_id);
-    if (!decoder) {
-        spdlog::error("Video decoder not found");
+    s.videoDecoder = EncodeSteps::openVideoDecoder(videoIn, "Video decoder not found");
+    if (!s.videoDecoder)
         return false;
-    }
-    s.videoDecoder.reset(avcodec_alloc_context3(decoder));
-    if (!s.videoDecoder || avcodec_parameters_to_context(s.videoDecoder.get(), videoIn->codecpar) < 0) {
-        spdlog::error("Failed to open video decoder");
-        return false;
-    }
-    s.videoDecoder->pkt_timebase = videoIn->time_base;
-    EncodeSteps::configureDecoderThreads(s.videoDecoder.get());
-    if (avcodec_open2(s.videoDecoder.get(), decoder, nullptr) < 0) {
-        spdlog::error("Failed to open video decoder");
-        return false;
-    }
     AVCodecContext* dec = s.videoDecoder.get();
 
     const AVCodec* encoder = avcodec_find_encoder(static_cast<AVCodecID>(request.codecId));
@@ -165,51 +107,30 @@ bool ConvertJob::setUpVideoEncode(Session& s, const VideoInfo& request)
         spdlog::error("Video encoder not found for codec ID: {}", request.codecId);
         return false;
     }
-    s.videoOut = avformat_new_stream(s.output.get(), nullptr);
-    s.videoEncoder.reset(avcodec_alloc_context3(encoder));
-    if (!s.videoOut || !s.videoEncoder) {
-        spdlog::error("Failed to open video encoder");
+    const bool opened = EncodeSteps::openVideoEncoder(
+        encoder, s.output.get(), s.videoEncoder, &s.videoOut, [&](AVCodecContext* enc) {
+            enc->width = (request.width > 0 ? request.width : dec->width) & ~1;
+            enc->height = (request.height > 0 ? request.height : dec->height) & ~1;
+            enc->pix_fmt = AV_PIX_FMT_YUV420P;
+            enc->bit_rate = request.bitrate > 0 ? request.bitrate : dec->bit_rate;
+            enc->framerate =
+                request.fps > 0 ? AVRational{request.fps, 1} : EncodeSteps::guessFrameRate(in, videoIn);
+            enc->time_base = av_inv_q(enc->framerate);
+            enc->gop_size = 12;
+            enc->thread_count = 0;
+            enc->thread_type = FF_THREAD_FRAME | FF_THREAD_SLICE;
+        });
+    if (!opened)
         return false;
-    }
-    AVCodecContext* enc = s.videoEncoder.get();
-    enc->codec_id = encoder->id;
-    enc->width = (request.width > 0 ? request.width : dec->width) & ~1;
-    enc->height = (request.height > 0 ? request.height : dec->height) & ~1;
-    enc->pix_fmt = AV_PIX_FMT_YUV420P;
-    enc->bit_rate = request.bitrate > 0 ? request.bitrate : dec->bit_rate;
-    enc->framerate = request.fps > 0 ? AVRational{request.fps, 1} : EncodeSteps::guessFrameRate(in, videoIn);
-    enc->time_base = av_inv_q(enc->framerate);
-    s.videoOut->time_base = enc->time_base;
-    enc->gop_size = 12;
-    enc->thread_count = 0;
-    enc->thread_type = FF_THREAD_FRAME | FF_THREAD_SLICE;
-    EncodeSteps::applyGlobalHeader(enc, s.output.get());
-    if (avcodec_open2(enc, encoder, nullptr) < 0) {
-        spdlog::error("Failed to open video encoder");
-        return false;
-    }
-    if (avcodec_parameters_from_context(s.videoOut->codecpar, enc) < 0) {
-        spdlog::error("Failed to copy video encoder parameters");
-        return false;
-    }
-
-    s.scaler.reset(sws_getContext(dec->width, dec->height, dec->pix_fmt, enc->width, enc->height,
-                                  AV_PIX_FMT_YUV420P, SWS_BILINEAR, nullptr, nullptr, nullptr));
-    if (!s.scaler) {
+    const AVCodecContext* enc = s.videoEncoder.get();
+    if (!s.scaler.open(dec->width, dec->height, dec->pix_fmt, enc->width, enc->height)) {
         spdlog::error("Failed to create scaling context");
         return false;
     }
-    s.scalerWidth = dec->width;
-    s.scalerHeight = dec->height;
-    s.scalerFormat = dec->pix_fmt;
-
     s.scaled = ff::makeFrame();
     if (!s.scaled)
         return false;
-    s.scaled->format = AV_PIX_FMT_YUV420P;
-    s.scaled->width = enc->width;
-    s.scaled->height = enc->height;
-    if (av_frame_get_buffer(s.scaled.get(), 0) < 0) {
+    if (!EncodeSteps::allocatePicture(s.scaled.get(), enc->width, enc->height)) {
         spdlog::error("Could not allocate the scaled picture");
         return false;
     }
@@ -221,14 +142,10 @@ bool ConvertJob::setUpAudio(Session& s, const VideoInfo& request)
     AVStream* audioIn = s.input->streams[s.audioIndex];
     if (request.audioCodecId <= 0) {
         spdlog::info("Copying audio stream without re-encoding");
-        s.audioOut = avformat_new_stream(s.output.get(), nullptr);
-        if (!s.audioOut || avcodec_parameters_copy(s.audioOut->codecpar, audioIn->codecpar) < 0) {
+        s.audioOut = EncodeSteps::addCopiedStream(s.output.get(), audioIn);
+        if (!s.audioOut)
             spdlog::error("Failed to copy audio stream parameters");
-            return false;
-        }
-        s.audioOut->codecpar->codec_tag = 0;
-        s.audioOut->time_base = audioIn->time_base;
-        return true;
+        return s.audioOut != nullptr;
     }
     spdlog::info("Re-encoding audio with codec ID: {}", request.audioCodecId);
     s.audio = std::make_unique<AudioReencoder>();
@@ -238,7 +155,7 @@ bool ConvertJob::setUpAudio(Session& s, const VideoInfo& request)
     return true;
 }
 
-ConvertJob::LoopEnd ConvertJob::mainLoop(Session& s)
+EncodeLoopEnd ConvertJob::mainLoop(Session& s)
 {
     AVFormatContext* in = s.input.get();
     AVPacket* packet = s.packet.get();
@@ -246,19 +163,19 @@ ConvertJob::LoopEnd ConvertJob::mainLoop(Session& s)
         if (m_tool.isCancelled()) {
             spdlog::info("Video format conversion cancelled by user");
             emit m_tool.videoCompressionCancelled();
-            return LoopEnd::CancelledBetweenPackets;
+            return EncodeLoopEnd::CancelledBetweenPackets;
         }
         const int ret = av_read_frame(in, packet);
         if (ret < 0)
-            return LoopEnd::EndOfInput;
+            return EncodeLoopEnd::EndOfInput;
         if (packet->stream_index == s.videoIndex) {
             if (s.videoEncoder) {
                 if (!encodeVideoPacket(s)) {
                     av_packet_unref(packet);
-                    return LoopEnd::CancelledInFrame;
+                    return EncodeLoopEnd::CancelledInFrame;
                 }
             } else {
-                copyPacket(s, s.videoOut);
+                EncodeSteps::copyPacket(in, s.output.get(), s.videoOut, packet);
                 // A remux has no frames to count, so progress follows the copied packets on
                 // the same scale as the total.
                 if (++s.copiedVideoPackets % 10 == 0)
@@ -268,65 +185,33 @@ ConvertJob::LoopEnd ConvertJob::mainLoop(Session& s)
             if (s.audio)
                 s.audio->writePacket(packet);
             else
-                copyPacket(s, s.audioOut);
+                EncodeSteps::copyPacket(in, s.output.get(), s.audioOut, packet);
         }
         av_packet_unref(packet);
     }
 }
 
-void ConvertJob::copyPacket(Session& s, AVStream* out)
-{
-    AVPacket* packet = s.packet.get();
-    const AVRational inBase = s.input->streams[packet->stream_index]->time_base;
-    packet->stream_index = out->index;
-    av_packet_rescale_ts(packet, inBase, out->time_base);
-    packet->pos = -1;
-    av_interleaved_write_frame(s.output.get(), packet);
-}
-
 bool ConvertJob::encodeVideoPacket(Session& s)
 {
-    AVCodecContext* dec = s.videoDecoder.get();
-    AVFrame* frame = s.decoded.get();
     AVFrame* scaled = s.scaled.get();
-    // A damaged packet is skipped; the decoder resynchronises on the next ones.
-    if (avcodec_send_packet(dec, s.packet.get()) < 0)
-        return true;
-    while (avcodec_receive_frame(dec, frame) >= 0) {
-        if (m_tool.isCancelled()) {
-            av_frame_unref(frame);
-            spdlog::info("Video format conversion cancelled during frame processing");
-            emit m_tool.videoCompressionCancelled();
+    const auto cancelled = [this]() {
+        if (!m_tool.isCancelled())
             return false;
-        }
-        // A stream whose size or format changes on the way gets a scaler for its new form
-        // rather than one that would read past the picture.
-        if (frame->width != s.scalerWidth || frame->height != s.scalerHeight ||
-            frame->format != s.scalerFormat) {
-            s.scaler.reset(sws_getContext(
-                frame->width, frame->height, static_cast<AVPixelFormat>(frame->format), scaled->width,
-                scaled->height, AV_PIX_FMT_YUV420P, SWS_BILINEAR, nullptr, nullptr, nullptr));
-            s.scalerWidth = frame->width;
-            s.scalerHeight = frame->height;
-            s.scalerFormat = frame->format;
-        }
-        // The encoder may still hold the previous picture; never write into a shared buffer.
-        if (!s.scaler || av_frame_make_writable(scaled) < 0) {
-            av_frame_unref(frame);
-            continue;
-        }
-        sws_scale(s.scaler.get(), frame->data, frame->linesize, 0, frame->height, scaled->data,
-                  scaled->linesize);
+        spdlog::info("Video format conversion cancelled during frame processing");
+        emit m_tool.videoCompressionCancelled();
+        return true;
+    };
+    const auto keepKeyFlag = [scaled](const AVFrame* frame) {
 #if LIBAVUTIL_VERSION_INT >= AV_VERSION_INT(58, 7, 100)
         scaled->flags = (scaled->flags & ~AV_FRAME_FLAG_KEY) | (frame->flags & AV_FRAME_FLAG_KEY);
 #else
         scaled->key_frame = frame->key_frame;
 #endif
         scaled->pict_type = AV_PICTURE_TYPE_NONE;
-        av_frame_unref(frame);
-        encodeFrameSlots(s);
-    }
-    return true;
+    };
+    return EncodeSteps::decodeToPictures(s.videoDecoder.get(), s.packet.get(), s.decoded.get(), s.scaler,
+                                         scaled, cancelled, keepKeyFlag,
+                                         [this, &s]() { encodeFrameSlots(s); });
 }
 
 void ConvertJob::encodeFrameSlots(Session& s)
@@ -356,8 +241,8 @@ void ConvertJob::encodeFrameSlots(Session& s)
 
 void ConvertJob::flush(Session& s)
 {
-    if (s.videoEncoder && avcodec_send_frame(s.videoEncoder.get(), nullptr) >= 0)
-        EncodeSteps::writeEncodedPackets(s.videoEncoder.get(), s.output.get(), s.videoOut, s.encoded.get());
+    if (s.videoEncoder)
+        EncodeSteps::flushEncoder(s.videoEncoder.get(), s.output.get(), s.videoOut, s.encoded.get());
     if (s.audio)
         s.audio->flush();
 }

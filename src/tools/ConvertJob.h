@@ -5,6 +5,7 @@
 #include <QString>
 
 class CommonTool;
+enum class EncodeLoopEnd;
 struct AVStream;
 
 // Writes the input into another container and, where asked, another codec, size, bit rate
@@ -20,22 +21,15 @@ public:
 
 private:
     struct Session;
-    enum class LoopEnd
-    {
-        EndOfInput,
-        CancelledBetweenPackets,
-        CancelledInFrame,
-    };
 
     bool prepare(Session& s, const QString& inputPath, const QString& outputPath, const VideoInfo& request);
     bool setUpVideoCopy(Session& s);
     bool setUpVideoEncode(Session& s, const VideoInfo& request);
     bool setUpAudio(Session& s, const VideoInfo& request);
-    LoopEnd mainLoop(Session& s);
+    EncodeLoopEnd mainLoop(Session& s);
     // False when the cancel flag was seen between two decoded frames.
     bool encodeVideoPacket(Session& s);
     void encodeFrameSlots(Session& s);
-    void copyPacket(Session& s, AVStream* out);
     void flush(Session& s);
 
     CommonTool& m_tool;

@@ -79,6 +79,147 @@ void applyGlobalHeader(AVCodecContext* encoder, const AVFormatContext* output)
         encoder->flags |= AV_CODEC_FLAG_GLOBAL_HEADER;
 }
 
+bool findStreams(AVFormatContext* input, bool skipCoverArt, int* videoIndex, int* audioIndex)
+{
+    *videoIndex = -1;
+    *audioIndex = -1;
+    for (unsigned i = 0; i < input->nb_streams; ++i) {
+        const AVStream* st = input->streams[i];
+        const AVMediaType type = st->codecpar->codec_type;
+        const bool cover = skipCoverArt && (st->disposition & AV_DISPOSITION_ATTACHED_PIC);
+        if (type == AVMEDIA_TYPE_VIDEO && !cover && *videoIndex < 0)
+            *videoIndex = static_cast<int>(i);
+        else if (type == AVMEDIA_TYPE_AUDIO && *audioIndex < 0)
+            *audioIndex = static_cast<int>(i);
+    }
+    if (*videoIndex < 0) {
+        spdlog::error("No video stream found");
+        return false;
+    }
+    return true;
+}
+
+ff::CodecContextPtr openVideoDecoder(AVStream* stream, const char* noDecoderMessage)
+{
+    const AVCodec* decoder = avcodec_find_decoder(stream->codecpar->codec_id);
+    if (!decoder) {
+        spdlog::error("{}", noDecoderMessage);
+        return nullptr;
+    }
+    ff::CodecContextPtr context(avcodec_alloc_context3(decoder));
+    if (!context || avcodec_parameters_to_context(context.get(), stream->codecpar) < 0) {
+        spdlog::error("Failed to open video decoder");
+        return nullptr;
+    }
+    context->pkt_timebase = stream->time_base;
+    configureDecoderThreads(context.get());
+    if (avcodec_open2(context.get(), decoder, nullptr) < 0) {
+        spdlog::error("Failed to open video decoder");
+        return nullptr;
+    }
+    return context;
+}
+
+bool openVideoEncoder(const AVCodec* codec, AVFormatContext* output, ff::CodecContextPtr& encoder,
+                      AVStream** stream, const std::function<void(AVCodecContext*)>& configure)
+{
+    *stream = avformat_new_stream(output, nullptr);
+    encoder.reset(avcodec_alloc_context3(codec));
+    if (!*stream || !encoder) {
+        spdlog::error("Failed to open video encoder");
+        return false;
+    }
+    AVCodecContext* enc = encoder.get();
+    enc->codec_id = codec->id;
+    configure(enc);
+    (*stream)->time_base = enc->time_base;
+    applyGlobalHeader(enc, output);
+    if (avcodec_open2(enc, codec, nullptr) < 0) {
+        spdlog::error("Failed to open video encoder");
+        return false;
+    }
+    if (avcodec_parameters_from_context((*stream)->codecpar, enc) < 0) {
+        spdlog::error("Failed to copy video encoder parameters");
+        return false;
+    }
+    return true;
+}
+
+AVStream* addCopiedStream(AVFormatContext* output, const AVStream* source)
+{
+    AVStream* stream = avformat_new_stream(output, nullptr);
+    if (!stream || avcodec_parameters_copy(stream->codecpar, source->codecpar) < 0)
+        return nullptr;
+    stream->codecpar->codec_tag = 0;
+    stream->time_base = source->time_base;
+    return stream;
+}
+
+bool allocatePicture(AVFrame* frame, int width, int height)
+{
+    frame->format = AV_PIX_FMT_YUV420P;
+    frame->width = width;
+    frame->height = height;
+    return av_frame_get_buffer(frame, 0) >= 0;
+}
+
+bool openOutputFile(AVFormatContext* output, const QString& path)
+{
+    if (output->oformat->flags & AVFMT_NOFILE)
+        return true;
+    if (avio_open(&output->pb, path.toUtf8().constData(), AVIO_FLAG_WRITE) < 0) {
+        spdlog::error("Could not open output file: {}", path.toStdString());
+        return false;
+    }
+    return true;
+}
+
+bool writeHeader(AVFormatContext* output)
+{
+    if (avformat_write_header(output, nullptr) < 0) {
+        spdlog::error("Error occurred when writing header");
+        return false;
+    }
+    return true;
+}
+
+void copyPacket(const AVFormatContext* input, AVFormatContext* output, AVStream* stream, AVPacket* packet)
+{
+    const AVRational inBase = input->streams[packet->stream_index]->time_base;
+    packet->stream_index = stream->index;
+    av_packet_rescale_ts(packet, inBase, stream->time_base);
+    packet->pos = -1;
+    av_interleaved_write_frame(output, packet);
+}
+
+void flushEncoder(AVCodecContext* encoder, AVFormatContext* output, AVStream* stream, AVPacket* packet)
+{
+    if (avcodec_send_frame(encoder, nullptr) >= 0)
+        writeEncodedPackets(encoder, output, stream, packet);
+}
+
+bool decodeToPictures(AVCodecContext* decoder, const AVPacket* packet, AVFrame* frame, FrameScaler& scaler,
+                      AVFrame* picture, const std::function<bool()>& cancelled,
+                      const std::function<void(const AVFrame*)>& decoded,
+                      const std::function<void()>& scaledPicture)
+{
+    if (avcodec_send_packet(decoder, packet) < 0)
+        return true;
+    while (avcodec_receive_frame(decoder, frame) >= 0) {
+        if (cancelled()) {
+            av_frame_unref(frame);
+            return false;
+        }
+        const bool scaled = scaler.scale(frame, picture);
+        if (scaled && decoded)
+            decoded(frame);
+        av_frame_unref(frame);
+        if (scaled)
+            scaledPicture();
+    }
+    return true;
+}
+
 int toSignalValue(int64_t value)
 {
     if (value > INT_MAX)

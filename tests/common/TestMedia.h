@@ -1,6 +1,8 @@
 #pragma once
 
 #include <QDir>
+#include <QFile>
+#include <QMap>
 #include <QProcess>
 #include <QString>
 #include <QStringList>
@@ -52,6 +54,113 @@ inline QString probe(const QString& path, const QString& entries, const QString&
     p.start(QStringLiteral("ffprobe"), args);
     p.waitForFinished(60000);
     return QString::fromUtf8(p.readAllStandardOutput()).trimmed();
+}
+
+// Output of a program, stdout and stderr merged.
+inline QString run(const QString& program, const QStringList& args)
+{
+    QProcess p;
+    p.setProcessChannelMode(QProcess::MergedChannels);
+    p.start(program, args);
+    p.waitForFinished(120000);
+    return QString::fromUtf8(p.readAll()).trimmed();
+}
+
+inline double seconds(const QString& path)
+{
+    return probe(path, "format=duration").toDouble();
+}
+
+// Packets of one stream ("v:0", "a:0") as counted by ffprobe; -1 when unreadable.
+inline int packetCount(const QString& path, const QString& stream)
+{
+    bool ok = false;
+    const int n = run("ffprobe", {"-v", "error", "-count_packets", "-select_streams", stream, "-show_entries",
+                                  "stream=nb_read_packets", "-of", "csv=p=0", path})
+                      .toInt(&ok);
+    return ok ? n : -1;
+}
+
+// One field of every packet of one stream, in file order (packets with side data get extra
+// empty columns; the field is the first). Equal size lists mean an untouched copy.
+inline QStringList packetField(const QString& path, const QString& stream, const QString& field)
+{
+    QStringList values;
+    for (const QString& line : run("ffprobe", {"-v", "error", "-select_streams", stream, "-show_entries",
+                                               "packet=" + field, "-of", "csv=p=0", path})
+                                   .split('\n', Qt::SkipEmptyParts))
+        values << line.section(',', 0, 0).trimmed();
+    return values;
+}
+inline QStringList packetSizes(const QString& path, const QString& stream)
+{
+    return packetField(path, stream, "size");
+}
+
+// Decodes the selected streams to nowhere; the text is whatever the decoders complained about.
+inline QString decodeErrors(const QString& path, const QString& map = "0")
+{
+    return run("ffmpeg", {"-hide_banner", "-v", "error", "-i", path, "-map", map, "-f", "null", "-"});
+}
+
+// The whole file decodes without an error that stops the ffmpeg tool.
+inline bool plays(const QString& path)
+{
+    return ffmpeg({"-xerror", "-i", path, "-f", "null", "-"});
+}
+
+// Seconds of audio the whole first audio stream decodes to.
+inline double decodedAudioSeconds(const QString& path)
+{
+    QProcess p;
+    p.start("ffmpeg", {"-hide_banner", "-v", "error", "-i", path, "-map", "0:a:0", "-ac", "1", "-ar", "8000",
+                       "-f", "s16le", "-"});
+    p.waitForFinished(120000);
+    return static_cast<double>(p.readAllStandardOutput().size()) / 2.0 / 8000.0;
+}
+
+inline QByteArray fileBytes(const QString& path)
+{
+    QFile f(path);
+    return f.open(QIODevice::ReadOnly) ? f.readAll() : QByteArray();
+}
+
+inline bool writeFile(const QString& path, const QByteArray& bytes)
+{
+    QFile f(path);
+    return f.open(QIODevice::WriteOnly | QIODevice::Truncate) && f.write(bytes) == bytes.size();
+}
+
+// `size` bytes of repeatable noise: no container recognises them.
+inline QByteArray noise(int size)
+{
+    QByteArray bytes(size, '\0');
+    quint32 x = 12345;
+    for (char& c : bytes)
+        c = char((x = x * 1103515245u + 12345u) >> 24);
+    return bytes;
+}
+
+// The file's first `fraction` of bytes as a new file, as a copy cut short would leave it.
+inline bool writeTruncated(const QString& source, const QString& path, double fraction = 0.5)
+{
+    const QByteArray whole = fileBytes(source);
+    return !whole.isEmpty() && writeFile(path, whole.left(int(whole.size() * fraction)));
+}
+
+// Inputs no job can use, made in `dir`, by name: "missing", "empty", "text", "random bytes",
+// "truncated" (an MP4 cut in half has lost its index, which the muxer writes last) and
+// "audio only".
+inline QMap<QString, QString> badInputs(const QString& dir)
+{
+    const QMap<QString, QString> files{{"missing", dir + "/missing.mp4"},  {"empty", dir + "/empty.mp4"},
+                                       {"text", dir + "/text.mp4"},        {"random bytes", dir + "/noise.mkv"},
+                                       {"truncated", dir + "/truncated.mp4"}, {"audio only", dir + "/tone.m4a"}};
+    const bool made = writeFile(files["empty"], "") && writeFile(files["text"], "this is not a video\n") &&
+                      writeFile(files["random bytes"], noise(65536)) &&
+                      makeVideo(dir + "/whole.mp4", 2, 160, 120) && writeTruncated(dir + "/whole.mp4", files["truncated"]) &&
+                      ffmpeg({"-f", "lavfi", "-i", "sine=duration=1", "-c:a", "aac", files["audio only"]});
+    return made ? files : QMap<QString, QString>();
 }
 
 // A temporary folder for one test function's files (under the test's private TMPDIR).

@@ -1,35 +1,7 @@
 // vidora-cli compress and convert, run as a user would, on media made at test time.
-#include "TestMedia.h"
-#include "TranscodeSupport.h"
+#include "ToolTestSupport.h"
 
-#include <QFile>
-#include <QProcess>
-#include <QtTest>
 #include <csignal>
-
-namespace {
-
-QString cli()
-{
-    return qEnvironmentVariable("VIDORA_BIN_DIR") + "/vidora-cli";
-}
-
-struct Result
-{
-    int exitCode = -1;
-    QString errors;
-};
-
-Result runCli(const QStringList& args)
-{
-    QProcess p;
-    p.start(cli(), args);
-    p.waitForFinished(180000);
-    return {p.exitStatus() == QProcess::NormalExit ? p.exitCode() : -1,
-            QString::fromUtf8(p.readAllStandardError())};
-}
-
-} // namespace
 
 class TranscodeCliTest : public QObject
 {
@@ -40,30 +12,27 @@ private:
     QString m_source; // 160x120, 2 s at 25 fps, H.264 + AAC in Matroska
 
     QString out(const QString& name) const { return m_dir + "/" + name; }
+    static QString tagName() { return QString(QTest::currentDataTag()).replace(' ', '-'); }
 
 private slots:
     void initTestCase()
     {
-        QVERIFY(QFile::exists(cli()));
+        QVERIFY(QFile::exists(cliPath()));
         m_dir = TestMedia::scratchDir("cli");
         m_source = out("source.mkv");
         QVERIFY(TestMedia::makeVideo(m_source, 2, 160, 120, 25, true, {"-c:v", "libx264", "-c:a", "aac"}));
     }
 
-    void convertWithoutOptionsRemuxes()
-    {
-        const QString target = out("remux.mp4");
-        const Result r = runCli({"convert", m_source, target});
-        QCOMPARE(r.exitCode, 0);
-        QCOMPARE(Transcode::packetSizes(target, "v:0"), Transcode::packetSizes(m_source, "v:0"));
-        QCOMPARE(Transcode::packetSizes(target, "a:0"), Transcode::packetSizes(m_source, "a:0"));
-    }
-
-    // Sizes, rate and bit rates go through the convert page's map: kbit/s on the command line.
+    // Without options convert remuxes; sizes, rate and bit rates go through the convert page's
+    // map: kbit/s on the command line.
     void convertOptionsReachTheEncoders()
     {
+        const QString remux = out("remux.mp4");
+        QCOMPARE(runCli({"convert", m_source, remux}).exitCode, 0);
+        QCOMPARE(TestMedia::packetSizes(remux, "v:0"), TestMedia::packetSizes(m_source, "v:0"));
+        QCOMPARE(TestMedia::packetSizes(remux, "a:0"), TestMedia::packetSizes(m_source, "a:0"));
         const QString target = out("options.mp4");
-        const Result r =
+        const CliRun r =
             runCli({"convert", m_source, target, "--codec", "h264", "--width", "321", "--height", "240",
                     "--fps", "24", "--bitrate", "200", "--audio-codec", "mp3", "--audio-bitrate", "64"});
         QCOMPARE(r.exitCode, 0);
@@ -78,73 +47,28 @@ private slots:
     {
         QTest::addColumn<QString>("option");
         QTest::addColumn<QString>("value");
-        QTest::addColumn<QString>("stream");
         QTest::addColumn<QString>("codec");
-        QTest::newRow("audio copy") << "--audio-codec"
-                                    << "copy"
-                                    << "a:0"
-                                    << "aac";
-        QTest::newRow("audio aac") << "--audio-codec"
-                                   << "aac"
-                                   << "a:0"
-                                   << "aac";
-        QTest::newRow("audio mp3") << "--audio-codec"
-                                   << "mp3"
-                                   << "a:0"
-                                   << "mp3";
-        QTest::newRow("audio flac") << "--audio-codec"
-                                    << "flac"
-                                    << "a:0"
-                                    << "flac";
-        QTest::newRow("audio m4a") << "--audio-codec"
-                                   << "m4a"
-                                   << "a:0"
-                                   << "aac";
-        QTest::newRow("audio wav") << "--audio-codec"
-                                   << "wav"
-                                   << "a:0"
-                                   << "pcm_s16le";
-        QTest::newRow("audio ogg") << "--audio-codec"
-                                   << "ogg"
-                                   << "a:0"
-                                   << "vorbis";
-        QTest::newRow("audio id") << "--audio-codec"
-                                  << "86028"
-                                  << "a:0"
-                                  << "flac";
-        QTest::newRow("audio library name") << "--audio-codec"
-                                            << "opus"
-                                            << "a:0"
-                                            << "opus";
-        QTest::newRow("video copy") << "--codec"
-                                    << "copy"
-                                    << "v:0"
-                                    << "h264";
-        QTest::newRow("video hevc") << "--codec"
-                                    << "hevc"
-                                    << "v:0"
-                                    << "hevc";
-        QTest::newRow("video id") << "--codec"
-                                  << "27"
-                                  << "v:0"
-                                  << "h264";
-        QTest::newRow("video library name") << "--codec"
-                                            << "mpeg4"
-                                            << "v:0"
-                                            << "mpeg4";
+        // Names of the convert page, codec ids and the library's own encoder names.
+        const QList<QPair<QString, QString>> audio{{"copy", "aac"},   {"aac", "aac"},    {"mp3", "mp3"},
+                                                   {"flac", "flac"},  {"m4a", "aac"},    {"wav", "pcm_s16le"},
+                                                   {"ogg", "vorbis"}, {"86028", "flac"}, {"opus", "opus"}};
+        const QList<QPair<QString, QString>> video{
+            {"copy", "h264"}, {"hevc", "hevc"}, {"27", "h264"}, {"mpeg4", "mpeg4"}};
+        for (const auto& a : audio)
+            QTest::newRow(qPrintable("audio " + a.first)) << QString("--audio-codec") << a.first << a.second;
+        for (const auto& v : video)
+            QTest::newRow(qPrintable("video " + v.first)) << QString("--codec") << v.first << v.second;
     }
     void codecNames()
     {
         QFETCH(QString, option);
         QFETCH(QString, value);
-        QFETCH(QString, stream);
         QFETCH(QString, codec);
-        const QString target =
-            out(QStringLiteral("names-%1.mkv").arg(QString(QTest::currentDataTag()).replace(' ', '-')));
-        const Result r = runCli({"convert", m_source, target, option, value});
-        QVERIFY2(r.exitCode == 0, qPrintable(r.errors));
-        QCOMPARE(TestMedia::probe(target, "stream=codec_name", stream), codec);
-        QVERIFY(Transcode::decodeErrors(target, "0").isEmpty());
+        const QString target = out("names-" + tagName() + ".mkv");
+        const CliRun r = runCli({"convert", m_source, target, option, value});
+        QVERIFY2(r.exitCode == 0, qPrintable(r.err));
+        QCOMPARE(TestMedia::probe(target, "stream=codec_name", option == "--codec" ? "v:0" : "a:0"), codec);
+        QVERIFY(TestMedia::decodeErrors(target).isEmpty());
     }
 
     void compressLevels_data()
@@ -159,60 +83,47 @@ private slots:
     {
         QFETCH(QStringList, options);
         QFETCH(QString, crf);
-        const QString target =
-            out(QStringLiteral("compress-%1.mkv").arg(QString(QTest::currentDataTag()).replace(' ', '-')));
-        const Result r = runCli(QStringList{"compress", m_source, target} + options);
-        QCOMPARE(r.exitCode, 0);
-        QVERIFY(Transcode::fileBytes(target).contains(crf.toLatin1()));
+        const QString target = out("compress-" + tagName() + ".mkv");
+        QCOMPARE(runCli(QStringList{"compress", m_source, target} + options).exitCode, 0);
+        QVERIFY(TestMedia::fileBytes(target).contains(crf.toLatin1()));
     }
 
-    // Usage errors stop before any job runs: exit 2 and no output file.
-    void usageErrors_data()
+    // Usage errors (2) stop before any job runs and leave no output file; failed jobs exit
+    // with 1 and their reason.
+    void failures_data()
     {
         QTest::addColumn<QStringList>("args");
-        QTest::newRow("unknown codec")
-            << QStringList{"convert", m_source, out("u1.mp4"), "--codec", "nonsense"};
-        QTest::newRow("audio name as video")
-            << QStringList{"convert", m_source, out("u2.mp4"), "--codec", "mp3"};
-        QTest::newRow("video name as audio")
-            << QStringList{"convert", m_source, out("u3.mp4"), "--audio-codec", "h264"};
-        QTest::newRow("negative width") << QStringList{"convert", m_source, out("u4.mp4"), "--width", "-2"};
-        QTest::newRow("fps not a number") << QStringList{"convert", m_source, out("u5.mp4"), "--fps", "fast"};
-        QTest::newRow("bit rate too large")
-            << QStringList{"convert", m_source, out("u6.mp4"), "--bitrate", "99999999999"};
-        QTest::newRow("missing OUT") << QStringList{"convert", m_source};
-        QTest::newRow("level not a number")
-            << QStringList{"compress", m_source, out("u7.mp4"), "--level", "high"};
-        QTest::newRow("output is the input") << QStringList{"compress", m_source, m_source};
-    }
-    void usageErrors()
-    {
-        QFETCH(QStringList, args);
-        const qint64 sourceSize = QFile(m_source).size();
-        const Result r = runCli(args);
-        QCOMPARE(r.exitCode, 2);
-        QVERIFY(r.errors.startsWith("vidora-cli: "));
-        QVERIFY(!QFile::exists(args.value(2)) || args.value(2) == m_source);
-        QCOMPARE(QFile(m_source).size(), sourceSize);
-    }
-
-    void jobFailuresExitWithOne_data()
-    {
-        QTest::addColumn<QStringList>("args");
+        QTest::addColumn<int>("exitCode");
         QTest::addColumn<QString>("message");
-        QTest::newRow("no such audio encoder")
-            << QStringList{"convert", m_source, out("f1.mp4"), "--audio-codec", "27"}
-            << "Audio encoder not found for codec ID: 27";
-        QTest::newRow("missing input")
-            << QStringList{"compress", out("none.mp4"), out("f2.mp4")} << "Could not open input file";
+        auto row = [](const char* tag, const QStringList& args, int code, const QString& message) {
+            QTest::newRow(tag) << args << code << message;
+        };
+        const QString in = m_source;
+        row("unknown codec", {"convert", in, out("u1.mp4"), "--codec", "nonsense"}, 2, "");
+        row("audio name as video", {"convert", in, out("u2.mp4"), "--codec", "mp3"}, 2, "");
+        row("video name as audio", {"convert", in, out("u3.mp4"), "--audio-codec", "h264"}, 2, "");
+        row("negative width", {"convert", in, out("u4.mp4"), "--width", "-2"}, 2, "");
+        row("fps not a number", {"convert", in, out("u5.mp4"), "--fps", "fast"}, 2, "");
+        row("bit rate too large", {"convert", in, out("u6.mp4"), "--bitrate", "99999999999"}, 2, "");
+        row("missing OUT", {"convert", in}, 2, "");
+        row("level not a number", {"compress", in, out("u7.mp4"), "--level", "high"}, 2, "");
+        row("output is the input", {"compress", in, in}, 2, "");
+        row("no such audio encoder", {"convert", in, out("f1.mp4"), "--audio-codec", "27"}, 1,
+            "Audio encoder not found for codec ID: 27");
+        row("missing input", {"compress", out("none.mp4"), out("f2.mp4")}, 1, "Could not open input file");
     }
-    void jobFailuresExitWithOne()
+    void failures()
     {
         QFETCH(QStringList, args);
+        QFETCH(int, exitCode);
         QFETCH(QString, message);
-        const Result r = runCli(args);
-        QCOMPARE(r.exitCode, 1);
-        QVERIFY2(r.errors.contains(message), qPrintable(r.errors));
+        const qint64 sourceSize = QFile(m_source).size();
+        const CliRun r = runCli(args);
+        QCOMPARE(r.exitCode, exitCode);
+        QVERIFY2(r.err.startsWith("vidora-cli: ") && r.err.contains(message), qPrintable(r.err));
+        if (exitCode == 2)
+            QVERIFY(!QFile::exists(args.value(2)) || args.value(2) == m_source);
+        QCOMPARE(QFile(m_source).size(), sourceSize);
     }
 
     // Ctrl-C cancels the running job; the command then exits with 130.
@@ -223,7 +134,7 @@ private slots:
                                      {"-c:v", "libx264", "-preset", "ultrafast"}));
         const QString target = out("interrupted.mkv");
         QProcess p;
-        p.start(cli(), {"compress", source, target});
+        p.start(cliPath(), {"compress", source, target});
         QVERIFY(p.waitForStarted());
         // The output appears once the job has counted the frames and begun encoding.
         QVERIFY(QTest::qWaitFor([&]() { return QFile::exists(target); }, 60000));
