@@ -3,6 +3,7 @@
 #include <QCommandLineParser>
 #include <QString>
 #include <QStringList>
+#include <utility>
 
 class CommonTool;
 
@@ -29,12 +30,12 @@ struct CliContext
 class CliCommand
 {
 public:
+    // name: the command word, e.g. "clip"; summary: one line for the program's command list.
+    CliCommand(QString name, QString summary) : m_name(std::move(name)), m_summary(std::move(summary)) {}
     virtual ~CliCommand() = default;
 
-    // The command word, e.g. "clip".
-    virtual QString name() const = 0;
-    // One line for the program's command list.
-    virtual QString summary() const = 0;
+    QString name() const { return m_name; }
+    QString summary() const { return m_summary; }
     // Positional arguments (after the command word) and options.
     virtual void configure(QCommandLineParser& parser) const = 0;
     // `arguments` are the positional arguments after the command word. A usage problem is
@@ -46,4 +47,8 @@ public:
     static int usageError(const QCommandLineParser& parser, const QString& message);
     // A decimal number of seconds ("12", "12.5"); false for anything else, NaN or infinity.
     static bool parseSeconds(const QString& text, double* seconds);
+
+private:
+    QString m_name;
+    QString m_summary;
 };

@@ -5,14 +5,9 @@
 
 #include <QFileInfo>
 
-QString ClipCommand::name() const
+ClipCommand::ClipCommand()
+    : CliCommand(QStringLiteral("clip"), QStringLiteral("Copy a time range of a video into a new file"))
 {
-    return QStringLiteral("clip");
-}
-
-QString ClipCommand::summary() const
-{
-    return QStringLiteral("Copy a time range of a video into a new file");
 }
 
 void ClipCommand::configure(QCommandLineParser& parser) const

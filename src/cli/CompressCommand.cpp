@@ -5,14 +5,9 @@
 
 #include <QFileInfo>
 
-QString CompressCommand::name() const
+CompressCommand::CompressCommand()
+    : CliCommand(QStringLiteral("compress"), QStringLiteral("Re-encode a video into a smaller file"))
 {
-    return QStringLiteral("compress");
-}
-
-QString CompressCommand::summary() const
-{
-    return QStringLiteral("Re-encode a video into a smaller file");
 }
 
 void CompressCommand::configure(QCommandLineParser& parser) const

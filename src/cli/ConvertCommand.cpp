@@ -68,14 +68,10 @@ bool parseCount(const QString& text, qint64 limit, qint64* value)
 
 } // namespace
 
-QString ConvertCommand::name() const
+ConvertCommand::ConvertCommand()
+    : CliCommand(QStringLiteral("convert"),
+                 QStringLiteral("Write a video into another container, codec, size or frame rate"))
 {
-    return QStringLiteral("convert");
-}
-
-QString ConvertCommand::summary() const
-{
-    return QStringLiteral("Write a video into another container, codec, size or frame rate");
 }
 
 void ConvertCommand::configure(QCommandLineParser& parser) const

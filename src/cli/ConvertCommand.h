@@ -11,8 +11,7 @@
 class ConvertCommand : public CliCommand
 {
 public:
-    QString name() const override;
-    QString summary() const override;
+    ConvertCommand();
     void configure(QCommandLineParser& parser) const override;
     int run(const QCommandLineParser& parser, const QStringList& arguments,
             CliContext& context) const override;

@@ -6,14 +6,9 @@
 #include <QFileInfo>
 #include <QVariantList>
 
-QString MergeCommand::name() const
+MergeCommand::MergeCommand()
+    : CliCommand(QStringLiteral("merge"), QStringLiteral("Join videos end to end into one file"))
 {
-    return QStringLiteral("merge");
-}
-
-QString MergeCommand::summary() const
-{
-    return QStringLiteral("Join videos end to end into one file");
 }
 
 void MergeCommand::configure(QCommandLineParser& parser) const

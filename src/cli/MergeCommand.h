@@ -6,8 +6,7 @@
 class MergeCommand : public CliCommand
 {
 public:
-    QString name() const override;
-    QString summary() const override;
+    MergeCommand();
     void configure(QCommandLineParser& parser) const override;
     int run(const QCommandLineParser& parser, const QStringList& arguments,
             CliContext& context) const override;

@@ -5,14 +5,10 @@
 #include <QLocale>
 #include <cstdio>
 
-QString ProbeCommand::name() const
+ProbeCommand::ProbeCommand()
+    : CliCommand(QStringLiteral("probe"),
+                 QStringLiteral("Print a file's video info and duration as one line of JSON"))
 {
-    return QStringLiteral("probe");
-}
-
-QString ProbeCommand::summary() const
-{
-    return QStringLiteral("Print a file's video info and duration as one line of JSON");
 }
 
 void ProbeCommand::configure(QCommandLineParser& parser) const

@@ -6,8 +6,7 @@
 class ProbeCommand : public CliCommand
 {
 public:
-    QString name() const override;
-    QString summary() const override;
+    ProbeCommand();
     void configure(QCommandLineParser& parser) const override;
     int run(const QCommandLineParser& parser, const QStringList& arguments,
             CliContext& context) const override;

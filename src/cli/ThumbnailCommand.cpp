@@ -7,14 +7,9 @@
 #include <QImage>
 #include <spdlog/spdlog.h>
 
-QString ThumbnailCommand::name() const
+ThumbnailCommand::ThumbnailCommand()
+    : CliCommand(QStringLiteral("thumbnail"), QStringLiteral("Save the frame at a time as a PNG image"))
 {
-    return QStringLiteral("thumbnail");
-}
-
-QString ThumbnailCommand::summary() const
-{
-    return QStringLiteral("Save the frame at a time as a PNG image");
 }
 
 void ThumbnailCommand::configure(QCommandLineParser& parser) const

@@ -7,8 +7,7 @@
 class ThumbnailCommand : public CliCommand
 {
 public:
-    QString name() const override;
-    QString summary() const override;
+    ThumbnailCommand();
     void configure(QCommandLineParser& parser) const override;
     int run(const QCommandLineParser& parser, const QStringList& arguments,
             CliContext& context) const override;
