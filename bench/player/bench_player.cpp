@@ -11,8 +11,10 @@
 // Both players get a 1280x720 window at the screen's top-left corner, no audio output and
 // software decoding. "First frame" is the moment a watched pixel of the window turns from
 // black to the picture, read from the X server by a thread with its own connection.
-// BENCH_NODEPTH=1 gives windows no depth and stencil buffers, to show what the scene graph
-// would save without them.
+// Windows get the program's format (no depth or stencil buffer); BENCH_DEPTH=1 restores Qt's
+// default, BENCH_BLEND=1 makes the "composite" item blend as a plain framebuffer item does,
+// BENCH_MPV="option=value ..." gives both players the same extra mpv options. Step timings
+// and per-thread CPU go to the error stream.
 #include "MpvView.h"
 #include "SqlHelper.h"
 
@@ -21,11 +23,14 @@
 #include <QFile>
 #include <QGuiApplication>
 #include <QLocalSocket>
+#include <QMutex>
 #include <QOpenGLContext>
 #include <QOpenGLFramebufferObject>
 #include <QOpenGLFunctions>
 #include <QProcess>
 #include <QQuickWindow>
+#include <QSGGeometryNode>
+#include <QSGMaterial>
 #include <QSignalSpy>
 #include <QSurfaceFormat>
 #include <QTemporaryDir>
@@ -130,6 +135,27 @@ double cpuSeconds(qint64 pid)
     return (fields.value(11).toDouble() + fields.value(12).toDouble()) / double(sysconf(_SC_CLK_TCK));
 }
 
+// CPU seconds per thread name of a process (threads of one name summed), to show where the
+// time goes.
+QMap<QString, double> cpuByThread(qint64 pid)
+{
+    QMap<QString, double> byName;
+    const QStringList tasks =
+        QDir(QStringLiteral("/proc/%1/task").arg(pid)).entryList(QDir::Dirs | QDir::NoDotAndDotDot);
+    for (const QString& task : tasks) {
+        QFile stat(QStringLiteral("/proc/%1/task/%2/stat").arg(pid).arg(task));
+        if (!stat.open(QIODevice::ReadOnly))
+            continue;
+        const QByteArray text = stat.readAll();
+        const int open = text.indexOf('('), close = text.lastIndexOf(')');
+        const QString name = QString::fromUtf8(text.mid(open + 1, close - open - 1));
+        const QList<QByteArray> fields = text.mid(close + 2).split(' ');
+        byName[name] +=
+            (fields.value(11).toDouble() + fields.value(12).toDouble()) / double(sysconf(_SC_CLK_TCK));
+    }
+    return byName;
+}
+
 // Waits without spinning, so the bench itself adds no CPU to the player it measures.
 void pause(int ms)
 {
@@ -180,6 +206,8 @@ struct MpvCli
                          "--input-ipc-server=" + socketPath};
         if (loop)
             args << "--loop-file=inf";
+        for (const QString& option : qEnvironmentVariable("BENCH_MPV").split(' ', Qt::SkipEmptyParts))
+            args << "--" + option;
         process.start("mpv", args);
         if (!process.waitForStarted(5000))
             return false;
@@ -227,9 +255,57 @@ int timeToFirstFrame(const QString& player, const QString& file, const QString& 
         Vidora vidora;
         if (!vidora.open())
             return 2;
+        // Where the time goes: the controller's events as the GUI thread sees them, and the
+        // scene graph's first frame presented after the video was configured.
+        QElapsedTimer clock;
+        double started = -1, loaded = -1, reconfig = -1;
+        std::atomic<qint64> firstSwap{-1};
+        std::atomic<bool> configured{false};
+        MpvView* view = vidora.view;
+        QObject scope; // ends the connections below before the locals they use
+        QObject::connect(view, &MpvView::fileStarted, &scope, [&] { started = clock.nsecsElapsed() / 1e6; });
+        QObject::connect(view, &MpvView::fileLoaded, &scope, [&] { loaded = clock.nsecsElapsed() / 1e6; });
+        QObject::connect(view, &MpvView::videoReconfig, &scope, [&] {
+            reconfig = clock.nsecsElapsed() / 1e6;
+            configured = true;
+        });
+        QObject::connect(
+            &vidora.window, &QQuickWindow::frameSwapped, &scope,
+            [&] {
+                qint64 none = -1;
+                if (configured)
+                    firstSwap.compare_exchange_strong(none, clock.nsecsElapsed());
+            },
+            Qt::DirectConnection);
+        // Scene-graph frames after the load: [start, end of rendering] in ms.
+        QVector<QPair<double, double>> passes;
+        QMutex passLock;
+        double passStart = 0;
+        QObject::connect(
+            &vidora.window, &QQuickWindow::beforeRendering, &scope,
+            [&] { passStart = clock.nsecsElapsed() / 1e6; }, Qt::DirectConnection);
+        QObject::connect(
+            &vidora.window, &QQuickWindow::afterRendering, &scope,
+            [&] {
+                QMutexLocker lock(&passLock);
+                passes << qMakePair(passStart, clock.nsecsElapsed() / 1e6);
+            },
+            Qt::DirectConnection);
         watch.arm();
+        clock.start();
         vidora.view->loadFile(file);
         ms = watch.waitMs(15000);
+        {
+            QMutexLocker lock(&passLock);
+            QString text;
+            for (const auto& pass : passes)
+                text += QStringLiteral(" [%1-%2]").arg(pass.first, 0, 'f', 1).arg(pass.second, 0, 'f', 1);
+            std::fprintf(stderr, "frames rendered:%s\n", qPrintable(text));
+        }
+        std::fprintf(stderr,
+                     "steps, ms: fileStarted %.1f, fileLoaded %.1f, videoReconfig %.1f, first swap %.1f, on "
+                     "screen %.1f\n",
+                     started, loaded, reconfig, double(firstSwap) / 1e6, ms);
         vidora.view->stop();
     } else {
         MpvCli mpv;
@@ -250,20 +326,36 @@ int cpuWhilePlaying(const QString& player, const QString& file, const QString& d
     double used = 0.0;
     double wall = 0.0;
     QString drops;
+    std::atomic<int> swaps{0}; // frames the scene graph presented (Vidora only)
+    int swapsMeasured = -1;
     auto measure = [&](qint64 pid) {
         pause(2000); // past start-up and the first second of decoding
         QElapsedTimer timer;
         const double before = cpuSeconds(pid);
+        const QMap<QString, double> threadsBefore = cpuByThread(pid);
+        const int swapsBefore = swaps;
         timer.start();
         pause(seconds * 1000);
         used = cpuSeconds(pid) - before;
         wall = double(timer.elapsed()) / 1000.0;
+        if (player == "vidora")
+            swapsMeasured = swaps - swapsBefore;
+        const QMap<QString, double> threadsAfter = cpuByThread(pid);
+        QString threads;
+        for (auto it = threadsAfter.cbegin(); it != threadsAfter.cend(); ++it) {
+            const double share = 100.0 * (it.value() - threadsBefore.value(it.key())) / wall;
+            if (share >= 0.5)
+                threads += QStringLiteral(" %1 %2").arg(it.key()).arg(share, 0, 'f', 1);
+        }
+        std::fprintf(stderr, "threads, %% of a core:%s\n", qPrintable(threads));
     };
     if (player == "vidora") {
         Vidora vidora;
         if (!vidora.open())
             return 2;
         vidora.view->setPropertyBlocking("loop-file", "inf");
+        QObject::connect(
+            &vidora.window, &QQuickWindow::frameSwapped, vidora.view, [&] { ++swaps; }, Qt::DirectConnection);
         watch.arm();
         vidora.view->loadFile(file);
         if (watch.waitMs(15000) < 0)
@@ -285,7 +377,11 @@ int cpuWhilePlaying(const QString& player, const QString& file, const QString& d
         mpv.ipc.waitForReadyRead(1000);
         drops = QString::fromUtf8(mpv.ipc.readAll()).trimmed();
     }
-    std::printf("%.1f %% (frame drops: %s)\n", 100.0 * used / wall, qPrintable(drops));
+    if (swapsMeasured >= 0)
+        std::printf("%.1f %% (frame drops: %s, frames presented: %.1f/s)\n", 100.0 * used / wall,
+                    qPrintable(drops), swapsMeasured / wall);
+    else
+        std::printf("%.1f %% (frame drops: %s)\n", 100.0 * used / wall, qPrintable(drops));
     return 0;
 }
 
@@ -372,6 +468,20 @@ class ClearRenderer : public QQuickFramebufferObject::Renderer
 class ClearItem : public QQuickFramebufferObject
 {
     Renderer* createRenderer() const override { return new ClearRenderer; }
+    // Opaque like the player's item, unless BENCH_BLEND is set.
+    QSGNode* updatePaintNode(QSGNode* node, UpdatePaintNodeData* data) override
+    {
+        node = QQuickFramebufferObject::updatePaintNode(node, data);
+        if (node && node->type() == QSGNode::GeometryNodeType && !qEnvironmentVariableIsSet("BENCH_BLEND")) {
+            auto* geometry = static_cast<QSGGeometryNode*>(node);
+            for (QSGMaterial* material : {geometry->material(), geometry->opaqueMaterial()})
+                if (material && material->flags().testFlag(QSGMaterial::Blending)) {
+                    material->setFlag(QSGMaterial::Blending, false);
+                    node->markDirty(QSGNode::DirtyMaterial);
+                }
+        }
+        return node;
+    }
 };
 
 int compositeOnly(int seconds)
@@ -387,11 +497,21 @@ int compositeOnly(int seconds)
     QObject::connect(&frames, &QTimer::timeout, item, &QQuickItem::update);
     frames.start(33);
     pause(2000);
+    const QMap<QString, double> threadsBefore = cpuByThread(QCoreApplication::applicationPid());
     const double before = cpuSeconds(QCoreApplication::applicationPid());
     QElapsedTimer timer;
     timer.start();
     pause(seconds * 1000);
     const double used = cpuSeconds(QCoreApplication::applicationPid()) - before;
+    const QMap<QString, double> threadsAfter = cpuByThread(QCoreApplication::applicationPid());
+    QString threads;
+    for (auto it = threadsAfter.cbegin(); it != threadsAfter.cend(); ++it) {
+        const double share =
+            100.0 * (it.value() - threadsBefore.value(it.key())) / (double(timer.elapsed()) / 1000.0);
+        if (share >= 0.5)
+            threads += QStringLiteral(" %1 %2").arg(it.key()).arg(share, 0, 'f', 1);
+    }
+    std::fprintf(stderr, "threads, %% of a core:%s\n", qPrintable(threads));
     std::printf("%.1f %%\n", 100.0 * used / (double(timer.elapsed()) / 1000.0));
     return 0;
 }
@@ -400,10 +520,13 @@ int compositeOnly(int seconds)
 
 int main(int argc, char* argv[])
 {
-    if (qEnvironmentVariableIsSet("BENCH_NODEPTH")) {
+    // The window format the program uses; BENCH_DEPTH=1 keeps Qt's default depth and stencil
+    // buffers to show what they cost.
+    if (!qEnvironmentVariableIsSet("BENCH_DEPTH")) {
         QSurfaceFormat format = QSurfaceFormat::defaultFormat();
         format.setDepthBufferSize(0);
         format.setStencilBufferSize(0);
+        format.setSamples(0);
         QSurfaceFormat::setDefaultFormat(format);
     }
     QGuiApplication app(argc, argv);
@@ -417,6 +540,10 @@ int main(int argc, char* argv[])
     QFile conf("mpvqt.conf");
     conf.open(QIODevice::WriteOnly);
     conf.write("ao=null\nhwdec=no\n");
+    // BENCH_MPV="opt=value ..." gives both players the same extra options.
+    const QStringList extra = qEnvironmentVariable("BENCH_MPV").split(' ', Qt::SkipEmptyParts);
+    for (const QString& option : extra)
+        conf.write(option.toUtf8() + "\n");
     conf.close();
 
     const QString mode = args.value(1);

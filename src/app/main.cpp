@@ -11,6 +11,7 @@
 #include <QGuiApplication>
 #include <QLocalServer>
 #include <QQmlApplicationEngine>
+#include <QSurfaceFormat>
 #include <QTranslator>
 #include <QUrl>
 #include <memory>
@@ -51,6 +52,13 @@ QString executableFolder(const char* argv0)
 int main(int argc, char* argv[])
 {
     QCoreApplication::setAttribute(Qt::AA_EnableHighDpiScaling);
+    // The scene clips only along axis-aligned rectangles (scissor), so windows need neither
+    // depth nor stencil buffers; with software OpenGL every frame would clear and test them.
+    QSurfaceFormat format = QSurfaceFormat::defaultFormat();
+    format.setDepthBufferSize(0);
+    format.setStencilBufferSize(0);
+    format.setSamples(0);
+    QSurfaceFormat::setDefaultFormat(format);
     QGuiApplication app(argc, argv);
 
     const QStringList words = argumentsAfterProgram(argc, argv);

@@ -3,6 +3,8 @@
 #include "MpvRenderer.h"
 #include "MpvSession.h"
 
+#include <QSGGeometryNode>
+#include <QSGMaterial>
 #include <QThread>
 
 MpvAbstractItem::MpvAbstractItem(QQuickItem* parent) : QQuickFramebufferObject(parent)
@@ -43,6 +45,30 @@ MpvAbstractItem::~MpvAbstractItem()
 QQuickFramebufferObject::Renderer* MpvAbstractItem::createRenderer() const
 {
     return new MpvRenderer(const_cast<MpvAbstractItem*>(this));
+}
+
+QSGNode* MpvAbstractItem::updatePaintNode(QSGNode* node, UpdatePaintNodeData* data)
+{
+    node = QQuickFramebufferObject::updatePaintNode(node, data);
+    // The base item presents its framebuffer as a texture with alpha, so the scene graph
+    // blends it over what lies beneath. libmpv fills every pixel opaquely (bars included), so
+    // the texture is drawn without blending, which spares software OpenGL a read of the
+    // window per pixel. An item with opacity below 1 is still blended by the scene graph.
+    // The base sets the flag again whenever it makes a new texture (on resize), hence the
+    // check on each sync.
+    if (node && node->type() == QSGNode::GeometryNodeType) {
+        auto* geometry = static_cast<QSGGeometryNode*>(node);
+        bool changed = false;
+        for (QSGMaterial* material : {geometry->material(), geometry->opaqueMaterial()}) {
+            if (material && material->flags().testFlag(QSGMaterial::Blending)) {
+                material->setFlag(QSGMaterial::Blending, false);
+                changed = true;
+            }
+        }
+        if (changed)
+            node->markDirty(QSGNode::DirtyMaterial);
+    }
+    return node;
 }
 
 int MpvAbstractItem::setPropertyBlocking(const QString& property, const QVariant& value)

@@ -41,6 +41,7 @@ signals:
 
 protected:
     MpvController* controller() const { return m_controller; }
+    QSGNode* updatePaintNode(QSGNode* node, UpdatePaintNodeData* data) override;
 
 private:
     friend class MpvRenderer;
