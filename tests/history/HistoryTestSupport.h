@@ -1,5 +1,6 @@
 #pragma once
 
+#include "LogCapture.h"
 #include "TestMedia.h"
 
 #include <QColor>
@@ -8,31 +9,6 @@
 #include <QtTest>
 #include <algorithm>
 #include <memory>
-#include <spdlog/sinks/ringbuffer_sink.h>
-#include <spdlog/spdlog.h>
-
-// Makes the default logger (level info) keep the last messages from any thread, so a test can
-// wait (QTRY_VERIFY) for the log line that is the only outward trace of a failed background load.
-class LogCapture
-{
-public:
-    LogCapture()
-    {
-        m_sink->set_pattern("%v");
-        spdlog::set_default_logger(std::make_shared<spdlog::logger>("capture", m_sink));
-    }
-    int count(const QString& text) const
-    {
-        const std::vector<std::string> lines = m_sink->last_formatted();
-        return int(std::count_if(lines.begin(), lines.end(), [&](const std::string& line) {
-            return QString::fromStdString(line).contains(text);
-        }));
-    }
-
-private:
-    std::shared_ptr<spdlog::sinks::ringbuffer_sink_mt> m_sink =
-        std::make_shared<spdlog::sinks::ringbuffer_sink_mt>(10000);
-};
 
 // A file no frame can be grabbed from: "audio" (no video stream), "empty", "corrupt" (junk
 // bytes) or "deleted" (its path was valid once, a copy of `existing`).
