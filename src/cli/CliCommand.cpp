@@ -1,5 +1,6 @@
 #include "CliCommand.h"
 
+#include <QFileInfo>
 #include <QLocale>
 #include <cmath>
 #include <cstdio>
@@ -20,4 +21,9 @@ bool CliCommand::parseSeconds(const QString& text, double* seconds)
         return false;
     *seconds = value;
     return true;
+}
+
+bool CliCommand::sameFile(const QString& in, const QString& out)
+{
+    return QFileInfo::exists(out) && QFileInfo(in).canonicalFilePath() == QFileInfo(out).canonicalFilePath();
 }

@@ -47,6 +47,9 @@ public:
     static int usageError(const QCommandLineParser& parser, const QString& message);
     // A decimal number of seconds ("12", "12.5"); false for anything else, NaN or infinity.
     static bool parseSeconds(const QString& text, double* seconds);
+    // Whether out names the same existing file as in. Opening the output truncates it, so
+    // writing over an input would destroy it mid-read.
+    static bool sameFile(const QString& in, const QString& out);
 
 private:
     QString m_name;

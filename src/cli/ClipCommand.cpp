@@ -43,8 +43,7 @@ int ClipCommand::run(const QCommandLineParser& parser, const QStringList& argume
                           QStringLiteral("--end is not a number of seconds: %1").arg(parser.value("end")));
     const QString in = arguments.at(0);
     const QString out = arguments.at(1);
-    // Opening the output truncates it: writing over the input would destroy it mid-read.
-    if (QFileInfo::exists(out) && QFileInfo(in).canonicalFilePath() == QFileInfo(out).canonicalFilePath())
+    if (sameFile(in, out))
         return usageError(parser, QStringLiteral("OUT must not be the input file"));
 
     JobRunner runner(context, name());

@@ -39,8 +39,7 @@ int CompressCommand::run(const QCommandLineParser& parser, const QStringList& ar
                           QStringLiteral("--level is not a whole number: %1").arg(parser.value("level")));
     const QString in = arguments.at(0);
     const QString out = arguments.at(1);
-    // Opening the output truncates it: writing over the input would destroy it mid-read.
-    if (QFileInfo::exists(out) && QFileInfo(in).canonicalFilePath() == QFileInfo(out).canonicalFilePath())
+    if (sameFile(in, out))
         return usageError(parser, QStringLiteral("OUT must not be the input file"));
 
     JobRunner runner(context, name());

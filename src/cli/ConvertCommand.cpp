@@ -167,8 +167,7 @@ int ConvertCommand::run(const QCommandLineParser& parser, const QStringList& arg
         return usageError(parser, error);
     const QString in = arguments.at(0);
     const QString out = arguments.at(1);
-    // Opening the output truncates it: writing over the input would destroy it mid-read.
-    if (QFileInfo::exists(out) && QFileInfo(in).canonicalFilePath() == QFileInfo(out).canonicalFilePath())
+    if (sameFile(in, out))
         return usageError(parser, QStringLiteral("OUT must not be the input file"));
 
     JobRunner runner(context, name());

@@ -33,7 +33,7 @@ int MergeCommand::run(const QCommandLineParser& parser, const QStringList& argum
         // The list file lives in the temporary folder, so relative names would be read from
         // there: hand over absolute ones.
         const QFileInfo info(in);
-        if (info.exists() && info.canonicalFilePath() == QFileInfo(out).canonicalFilePath())
+        if (sameFile(in, out))
             return usageError(parser, QStringLiteral("OUT must not be one of the inputs"));
         inputs << (in.isEmpty() ? in : info.absoluteFilePath());
     }
