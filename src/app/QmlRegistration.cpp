@@ -57,6 +57,11 @@ void registerQmlTypes()
     qmlRegisterType<VideoHistoryModel>(kUri, 1, 0, "VideoHistoryModel");
 }
 
+void addModuleImportPath(QQmlEngine& engine)
+{
+    engine.addImportPath(QStringLiteral("qrc:/"));
+}
+
 void finishEngineSetup(QQmlApplicationEngine& engine)
 {
     // The engine owns its image providers from here on and deletes this one with itself.

@@ -100,6 +100,7 @@ int main(int argc, char* argv[])
 
     auto engine = std::make_unique<QQmlApplicationEngine>();
     registerQmlTypes();
+    addModuleImportPath(*engine);
 
     const QUrl mainUrl(QStringLiteral("qrc:/qml/main.qml"));
     QObject::connect(
