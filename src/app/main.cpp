@@ -1,7 +1,9 @@
 #include "CommandLine.h"
 #include "Logging.h"
 #include "QmlRegistration.h"
+#include "SignalWatcher.h"
 #include "SingleInstance.h"
+#include "SqlHelper.h"
 
 #include <QCoreApplication>
 #include <QDir>
@@ -72,6 +74,10 @@ int main(int argc, char* argv[])
     QCoreApplication::setOrganizationDomain(QStringLiteral("vidora.org"));
 
     std::unique_ptr<QLocalServer> server(SingleInstance::listen(nullptr, handleCommandLineWords));
+    // A logout or a plain kill ends the player like closing its window: the playing file's
+    // resume point is saved and the history closed.
+    SignalWatcher stopSignals;
+    QObject::connect(&stopSignals, &SignalWatcher::interrupted, &app, [] { QCoreApplication::quit(); });
 
     const QString folder = executableFolder(argv[0]);
     QDir::setCurrent(folder);
@@ -118,6 +124,8 @@ int main(int argc, char* argv[])
 
     const int code = app.exec();
     engine.reset();
+    // The scene was the history's last user.
+    SqlHelper::closeInstance();
     font.reset();
     translator.reset();
     server.reset();
