@@ -231,6 +231,8 @@ Window {
         RelevanceDialog.x = gallery.width + 10
         RelevanceDialog.y = 450
         RelevanceDialog.show()
+        if (!showMessageBox)
+            return
         CMessageBox.showMessage(qsTr("Are you sure you want to delete this video?"), function () {})
         CMessageBox.x = 520
         CMessageBox.y = 380

@@ -2,13 +2,15 @@
 // message box and both dialogs, for screenshots. As a test it checks that the whole scene
 // loads and runs a moment without a single QML warning.
 //   tst_gallery            quit after two seconds; exit code 1 on any warning
-//   tst_gallery --stay     keep running (for screenshots); add --zh for the Chinese catalogue
+//   tst_gallery --stay     keep running (for screenshots); add --zh for the Chinese catalogue,
+//                          --no-message to leave out the (modal) message box for hover shots
 #include "QmlRegistration.h"
 
 #include <QDir>
 #include <QFont>
 #include <QGuiApplication>
 #include <QQmlApplicationEngine>
+#include <QQmlContext>
 #include <QTimer>
 #include <QTranslator>
 
@@ -48,6 +50,7 @@ int main(int argc, char* argv[])
     QQmlApplicationEngine engine;
     registerQmlTypes();
     addModuleImportPath(engine);
+    engine.rootContext()->setContextProperty("showMessageBox", !args.contains("--no-message"));
     engine.load(QUrl::fromLocalFile(QStringLiteral(GALLERY_QML)));
     finishEngineSetup(engine);
     if (engine.rootObjects().isEmpty())
