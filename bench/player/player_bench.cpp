@@ -1,10 +1,10 @@
 // Playback and history figures, measured the same way for Vidora's player view and for the
-// mpv command-line player. Run by bench/player/playback.sh inside an X server; not a test.
+// mpv command-line player. Run by bench/player/player_bench.sh inside an X server; not a test.
 //
-//   bench_player ttff PLAYER FILE          time from the load request to the first frame on
+//   player_bench ttff PLAYER FILE          time from the load request to the first frame on
 //                                          the X screen (one run, milliseconds)
-//   bench_player cpu PLAYER FILE SECONDS   CPU and frame counts while playing
-//   bench_player history ROWS FILE         history writes at load and stop, GUI thread
+//   player_bench cpu PLAYER FILE SECONDS   CPU and frame counts while playing
+//   player_bench history ROWS FILE         history writes at load and stop, GUI thread
 //
 // PLAYER is "vidora" (MpvView alone in a bare QQuickWindow with the program's window format),
 // "mpv" (the command-line player on the renderer libmpv gives Vidora: --vo=gpu, which on a
@@ -553,7 +553,7 @@ int main(int argc, char* argv[])
         return cpuWhilePlaying(args.at(2), args.at(3), dir.path(), args.at(4).toInt());
     if (mode == "history" && args.size() == 4)
         return historyWrites(args.at(2).toInt(), args.at(3));
-    std::fprintf(stderr, "usage: bench_player ttff vidora|mpv|mpv-auto FILE | cpu vidora|mpv|mpv-auto FILE SECONDS | "
+    std::fprintf(stderr, "usage: player_bench ttff vidora|mpv|mpv-auto FILE | cpu vidora|mpv|mpv-auto FILE SECONDS | "
                          "history ROWS FILE\n");
     return 2;
 }
