@@ -47,6 +47,15 @@ MpvAbstractItem::~MpvAbstractItem()
     m_session->releaseItem();
 }
 
+bool MpvAbstractItem::event(QEvent* event)
+{
+    if (event->type() == MpvSession::frameEventType()) {
+        update();
+        return true;
+    }
+    return QQuickFramebufferObject::event(event);
+}
+
 QQuickFramebufferObject::Renderer* MpvAbstractItem::createRenderer() const
 {
     return new MpvRenderer(const_cast<MpvAbstractItem*>(this));

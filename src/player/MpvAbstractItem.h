@@ -42,6 +42,7 @@ signals:
 protected:
     MpvController* controller() const { return m_controller; }
     QSGNode* updatePaintNode(QSGNode* node, UpdatePaintNodeData* data) override;
+    bool event(QEvent* event) override;
 
 private:
     friend class MpvRenderer;
