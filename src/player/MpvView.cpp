@@ -12,7 +12,6 @@
 #include <QDir>
 #include <QFileInfo>
 #include <QPointer>
-#include <QStandardPaths>
 #include <QUrl>
 #include <cmath>
 #include <spdlog/spdlog.h>
@@ -106,15 +105,6 @@ void MpvView::onReady()
     // alive when idle, whatever the user's option file says.
     controller()->setProperty(QStringLiteral("keep-open"), QStringLiteral("no"));
     controller()->setProperty(QStringLiteral("idle"), QStringLiteral("yes"));
-    // libmpv keeps its compiled shaders between runs when given a folder, which shortens the
-    // first frame of every file after the first start. An option file may name its own.
-    const QString shaderCache = QStringLiteral("gpu-shader-cache-dir");
-    if (readBack(shaderCache).toString().isEmpty()) {
-        const QString folder =
-            QStandardPaths::writableLocation(QStandardPaths::CacheLocation) + QStringLiteral("/mpv-shaders");
-        if (QDir().mkpath(folder))
-            controller()->setProperty(shaderCache, folder);
-    }
     for (const Observed& property : kObserved)
         controller()->observeProperty(QString::fromLatin1(property.name), property.format, 0);
     emit initCompleted();
