@@ -247,7 +247,8 @@ void MprisService::onUrlChanged()
     ++m_track;
     m_artUrl.clear();
     m_lastPosition = 0.0;
-    if (m_player && !m_player->fileUrl().isEmpty())
+    // Nobody sees a cover picture without a bus; no frame is decoded for it then.
+    if (m_started && m_player && !m_player->fileUrl().isEmpty())
         makeArt(m_player->fileUrl());
     publish({QStringLiteral("PlaybackStatus"), QStringLiteral("Metadata")});
 }

@@ -240,8 +240,12 @@ void TestStartup::socketBelongsToItsUserAlone()
     // Another user beside this one starts a player of their own instead of handing off here.
     if (::geteuid() != 0)
         QSKIP("starting a program as another user needs root");
-    QTemporaryDir shared;
+    // A shared folder like /tmp, and a copy of the program that any user may run (the build
+    // folder may be closed to others).
+    QTemporaryDir shared(QStringLiteral("/tmp/vidora-shared-XXXXXX"));
     QVERIFY(::chmod(QFile::encodeName(shared.path()).constData(), 01777) == 0);
+    const QString program = shared.filePath("vidora");
+    QVERIFY(QFile::copy(m_program, program));
     QProcessEnvironment sharedTmp;
     sharedTmp.insert("TMPDIR", shared.path());
     QProcess* mine = startPlayer({}, sharedTmp);
@@ -252,7 +256,8 @@ void TestStartup::socketBelongsToItsUserAlone()
     otherEnv.insert("HOME", shared.path());
     otherEnv.insert("QT_QPA_PLATFORM", "offscreen");
     other->setProcessEnvironment(otherEnv);
-    other->start("setpriv", QStringList{"--reuid=65534", "--regid=65534", "--clear-groups", m_program, m_file});
+    other->setWorkingDirectory(shared.path());
+    other->start("setpriv", QStringList{"--reuid=65534", "--regid=65534", "--clear-groups", program, m_file});
     m_running << other;
     const QString othersName = shared.filePath(QStringLiteral("%1-65534").arg(SingleInstance::kApplicationId));
     QTRY_VERIFY_WITH_TIMEOUT(QFile::exists(othersName), 15000);
