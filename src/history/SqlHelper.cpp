@@ -1,14 +1,14 @@
 #include "SqlHelper.h"
 
+#include "AppPaths.h"
 #include "SqlStatement.h"
 
+#include <QDir>
 #include <QFileInfo>
 #include <spdlog/spdlog.h>
 #include <sqlite3.h>
 
 namespace {
-
-constexpr const char* kDatabaseName = "video_history.db";
 
 constexpr const char* kCreateTable = "CREATE TABLE IF NOT EXISTS video_history (url TEXT PRIMARY "
                                      "KEY,filename TEXT NOT NULL,last_position REAL "
@@ -72,8 +72,11 @@ SqlHelper* SqlHelper::instance()
 {
     // Created on first use and kept to the end of the process (the QML engine never owns it);
     // closeInstance() closes its connection at exit.
-    if (!g_instance)
-        g_instance = new SqlHelper(QString::fromLatin1(kDatabaseName));
+    if (!g_instance) {
+        const QString path = AppPaths::current().historyDatabase;
+        QDir().mkpath(QFileInfo(path).absolutePath());
+        g_instance = new SqlHelper(path);
+    }
     return g_instance;
 }
 

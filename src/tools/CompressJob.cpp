@@ -54,8 +54,8 @@ bool CompressJob::run(const QString& inputPath, const QString& outputPath, int c
             loopReached = true;
             const EncodeLoopEnd end = mainLoop(s);
             if (end == EncodeLoopEnd::EndOfInput && !m_tool.isCancelled()) {
-                // The decoder is deliberately not drained: frames it still holds at the end
-                // of the input are not encoded.
+                // The decoder is not drained: frames it still holds at the end of the input
+                // are not encoded (see configureDecoderThreads).
                 EncodeSteps::flushEncoder(s.videoEncoder.get(), s.output.get(), s.videoOut, s.encoded.get());
                 av_write_trailer(s.output.get());
             }
@@ -90,7 +90,7 @@ bool CompressJob::prepare(Session& s, const QString& inputPath, const QString& o
         return false;
 
     AVCodecContext* dec = s.videoDecoder.get();
-    if (!s.scaler.open(dec->width, dec->height, dec->pix_fmt, dec->width, dec->height)) {
+    if (!s.scaler.open(dec->width, dec->height, dec->pix_fmt, dec->width, dec->height, s.shown)) {
         spdlog::error("Failed to create scaling context");
         return false;
     }
@@ -103,8 +103,10 @@ bool CompressJob::prepare(Session& s, const QString& inputPath, const QString& o
     s.encoded = ff::makePacket();
     if (!s.decoded || !s.converted || !s.packet || !s.encoded)
         return false;
-    // The picture keeps the decoder's (possibly odd) size; the encoder reads its even part.
-    if (!EncodeSteps::allocatePicture(s.converted.get(), dec->width, dec->height)) {
+    // The picture keeps the decoder's (possibly odd) size, turned as the input is shown; the
+    // encoder reads its even part.
+    if (!EncodeSteps::allocatePicture(s.converted.get(), s.shown.turnedWidth(dec->width, dec->height),
+                                      s.shown.turnedHeight(dec->width, dec->height))) {
         spdlog::error("Could not allocate the converted picture");
         return false;
     }
@@ -125,8 +127,8 @@ bool CompressJob::openVideoEncoder(Session& s, double factor, int crf)
     }
     return EncodeSteps::openVideoEncoder(
         encoder, s.output.get(), s.videoEncoder, &s.videoOut, [&](AVCodecContext* enc) {
-            enc->width = dec->width & ~1;
-            enc->height = dec->height & ~1;
+            enc->width = s.shown.turnedWidth(dec->width, dec->height) & ~1;
+            enc->height = s.shown.turnedHeight(dec->width, dec->height) & ~1;
             enc->thread_count = 0;
             enc->thread_type = FF_THREAD_FRAME | FF_THREAD_SLICE;
             enc->framerate = EncodeSteps::guessFrameRate(in, videoIn);
@@ -191,7 +193,8 @@ bool CompressJob::openAudioCoders(Session& s, double factor)
         const AVCodec* aac = avcodec_find_encoder(AV_CODEC_ID_AAC);
         if (aac) {
             s.audioEncoder = configure(aac, false);
-            // Kept as it always was: the fallback's open result is not checked.
+            // The fallback's open result is not checked: the job goes on with its parameters
+            // whether or not it opened.
             if (s.audioEncoder)
                 avcodec_open2(s.audioEncoder.get(), aac, nullptr);
         }
