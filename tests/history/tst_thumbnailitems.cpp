@@ -22,7 +22,7 @@ private slots:
     void cleanup() { m_window.reset(); }
     void itemsDrawTheFrameUprightAndKeepItOnBadInput_data();
     void itemsDrawTheFrameUprightAndKeepItOnBadInput();
-    void itemDestroyedDuringALoad();
+    void itemDestroyedDuringALoadDropsItsFrame();
 
 private:
     // The colour the preview shaders give a limited-range YUV triple (full-range coefficients
@@ -178,7 +178,7 @@ void ThumbnailItemsTest::itemsDrawTheFrameUprightAndKeepItOnBadInput()
     QCOMPARE(item->size(), shown);
 }
 
-void ThumbnailItemsTest::itemDestroyedDuringALoad()
+void ThumbnailItemsTest::itemDestroyedDuringALoadDropsItsFrame()
 {
     const QString loaded = "Thumbnail loaded: width=320";
     const int before = m_log.count(loaded);
