@@ -97,7 +97,10 @@ Popup {
     }
 
     onAboutToShow: {
+        // Rows that changed while the menu was hidden are not laid out yet.
+        column.forceLayout()
         calculateMaxWidth()
         applyMaxWidth()
     }
+
 }

@@ -164,6 +164,11 @@ Item {
             anchors.centerIn: parent
             width: 210
             height: 130
+            // A load that changes the item's size drops its frame: ask again at the new size.
+            onSignalUpdate: {
+                if ((width > 0 || height > 0) && root.fileUrl.length > 0)
+                    loadThumbnailFromUrl(root.fileUrl, seekHover.seconds)
+            }
         }
         Text {
             anchors.horizontalCenter: parent.horizontalCenter
