@@ -1,5 +1,7 @@
 #include "QmlRegistration.h"
 
+#include <QDir>
+#include <QFile>
 #include <QQmlEngine>
 #include <QtQuickTest>
 
@@ -9,6 +11,16 @@ class Setup : public QObject
 {
     Q_OBJECT
 public slots:
+    // The program runs beside its config.json; the tests run in their private temporary
+    // folder with a copy of it, so anything written to the working folder stays there.
+    void applicationAvailable()
+    {
+        const QString dir = QDir::tempPath();
+        QDir::setCurrent(dir);
+        QFile::remove(dir + "/config.json");
+        QFile::copy(qEnvironmentVariable("VIDORA_SOURCE_DIR") + "/config.json", dir + "/config.json");
+    }
+
     void qmlEngineAvailable(QQmlEngine* engine)
     {
         static const bool registered = (registerQmlTypes(), true);
