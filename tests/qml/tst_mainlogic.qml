@@ -139,11 +139,11 @@ TestCase {
         var w = createTemporaryObject(defaultWidget, this, { handleOpenFile: function (u) { seen.push(u) } })
         w.take(["file:///a.mp4", "file:///b.mp4", "file:///c.mp4"])
         compare(seen, ["file:///a.mp4"])
-        compare(FileModel.count(), 0)
+        compare(FileModel.rowCount(), 0)
 
         var queued = createTemporaryObject(defaultWidget, this)
         queued.take(["file:///a.mp4", "file:///b.mp4"])
-        compare(FileModel.count(), 2)
+        compare(FileModel.rowCount(), 2)
         FileModel.clear()
     }
 }
