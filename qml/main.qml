@@ -50,6 +50,9 @@ Window {
             return
         }
         player.loadFile(fileUrl)
+        // A file someone opens is one they want to watch, even if the last one stood paused.
+        if (player.pause)
+            player.setPause(false)
         currentIndex = Logic.indexOfUrl(historyUrls(), player.fileUrl(), currentIndex)
     }
 
