@@ -38,6 +38,32 @@ ZH = {
     "Relevance": "文件关联",
     "loading": "加载中",
     "stop": "停止",
+    # Main window
+    "Select Files": "选择文件",
+    "Continue Playing": "继续播放",
+    "File does not exist": "文件不存在",
+    "Play List": "播放列表",
+    "Add files": "添加文件",
+    "Clear the list": "清空列表",
+    "Are you sure you want to delete this video?": "确定要删除此视频吗？",
+    "Unpin": "取消置顶",
+    "Pin to the top of the list": "置顶",
+    "Settings": "设置",
+    "Stop": "停止",
+    "Previous": "上一个",
+    "Next": "下一个",
+    "Screenshot": "截图",
+    "Tools": "工具",
+    "Mini player": "迷你播放器",
+    "Full screen": "全屏",
+    "Video compression": "视频压缩",
+    "Video capture": "视频截取",
+    "Video Merger": "视频合并",
+    "Format Conversion": "格式转换",
+    "video": "画面",
+    "subTitle": "字幕",
+    "audio": "音频",
+
 }
 
 path = Path(__file__).resolve().parent.parent / "translations" / "vidora_zh_CN.ts"

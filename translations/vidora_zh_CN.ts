@@ -19,12 +19,12 @@
         <translation>客服热线</translation>
     </message>
     <message>
-        <location filename="../qml/CustomUtils/AboutUsCard.qml" line="73"/>
+        <location filename="../qml/CustomUtils/AboutUsCard.qml" line="76"/>
         <source>Privacy Policy</source>
         <translation>隐私政策</translation>
     </message>
     <message>
-        <location filename="../qml/CustomUtils/AboutUsCard.qml" line="74"/>
+        <location filename="../qml/CustomUtils/AboutUsCard.qml" line="77"/>
         <source>User Agreement</source>
         <translation>用户协议</translation>
     </message>
@@ -44,6 +44,14 @@
         <location filename="../qml/CustomUtils/CCancelButton.qml" line="7"/>
         <source>Cancel</source>
         <translation>取消</translation>
+    </message>
+</context>
+<context>
+    <name>CFileDialog</name>
+    <message>
+        <location filename="../qml/CFileDialog.qml" line="14"/>
+        <source>Select Files</source>
+        <translation>选择文件</translation>
     </message>
 </context>
 <context>
@@ -75,6 +83,120 @@
         <location filename="../qml/CustomUtils/CNotification.qml" line="77"/>
         <source>Open file</source>
         <translation>打开文件</translation>
+    </message>
+</context>
+<context>
+    <name>ControlBar</name>
+    <message>
+        <location filename="../qml/ControlBar.qml" line="83"/>
+        <source>default</source>
+        <translation>默认</translation>
+    </message>
+    <message>
+        <location filename="../qml/ControlBar.qml" line="86"/>
+        <source>Full</source>
+        <translation>铺满</translation>
+    </message>
+    <message>
+        <location filename="../qml/ControlBar.qml" line="90"/>
+        <source>Video compression</source>
+        <translation>视频压缩</translation>
+    </message>
+    <message>
+        <location filename="../qml/ControlBar.qml" line="91"/>
+        <source>Video capture</source>
+        <translation>视频截取</translation>
+    </message>
+    <message>
+        <location filename="../qml/ControlBar.qml" line="92"/>
+        <source>Video Merger</source>
+        <translation>视频合并</translation>
+    </message>
+    <message>
+        <location filename="../qml/ControlBar.qml" line="93"/>
+        <source>Format Conversion</source>
+        <translation>格式转换</translation>
+    </message>
+    <message>
+        <location filename="../qml/ControlBar.qml" line="210"/>
+        <source>Stop</source>
+        <translation>停止</translation>
+    </message>
+    <message>
+        <location filename="../qml/ControlBar.qml" line="220"/>
+        <source>Previous</source>
+        <translation>上一个</translation>
+    </message>
+    <message>
+        <location filename="../qml/ControlBar.qml" line="237"/>
+        <source>Next</source>
+        <translation>下一个</translation>
+    </message>
+    <message>
+        <location filename="../qml/ControlBar.qml" line="310"/>
+        <source>Screenshot</source>
+        <translation>截图</translation>
+    </message>
+    <message>
+        <location filename="../qml/ControlBar.qml" line="318"/>
+        <source>Tools</source>
+        <translation>工具</translation>
+    </message>
+    <message>
+        <location filename="../qml/ControlBar.qml" line="327"/>
+        <source>Settings</source>
+        <translation>设置</translation>
+    </message>
+    <message>
+        <location filename="../qml/ControlBar.qml" line="353"/>
+        <source>Mini player</source>
+        <translation>迷你播放器</translation>
+    </message>
+    <message>
+        <location filename="../qml/ControlBar.qml" line="361"/>
+        <source>Full screen</source>
+        <translation>全屏</translation>
+    </message>
+    <message>
+        <location filename="../qml/ControlBar.qml" line="466"/>
+        <source>video</source>
+        <translation>画面</translation>
+    </message>
+    <message>
+        <location filename="../qml/ControlBar.qml" line="481"/>
+        <source>subTitle</source>
+        <translation>字幕</translation>
+    </message>
+    <message>
+        <location filename="../qml/ControlBar.qml" line="496"/>
+        <source>audio</source>
+        <translation>音频</translation>
+    </message>
+</context>
+<context>
+    <name>DefaultWidget</name>
+    <message>
+        <location filename="../qml/DefaultWidget.qml" line="53"/>
+        <source>Open file</source>
+        <translation>打开文件</translation>
+    </message>
+</context>
+<context>
+    <name>HistoryPanel</name>
+    <message>
+        <location filename="../qml/HistoryPanel.qml" line="46"/>
+        <source>Play List</source>
+        <translation>播放列表</translation>
+    </message>
+    <message>
+        <location filename="../qml/HistoryPanel.qml" line="59"/>
+        <source>Add files</source>
+        <translation>添加文件</translation>
+    </message>
+    <message>
+        <location filename="../qml/HistoryPanel.qml" line="66"/>
+        <source>Clear the list</source>
+        <translation>清空列表</translation>
     </message>
 </context>
 <context>
@@ -172,6 +294,29 @@
     </message>
 </context>
 <context>
+    <name>TitleBar</name>
+    <message>
+        <location filename="../qml/TitleBar.qml" line="113"/>
+        <source>Unpin</source>
+        <translation>取消置顶</translation>
+    </message>
+    <message>
+        <location filename="../qml/TitleBar.qml" line="113"/>
+        <source>Pin to the top of the list</source>
+        <translation>置顶</translation>
+    </message>
+    <message>
+        <location filename="../qml/TitleBar.qml" line="136"/>
+        <source>About us</source>
+        <translation>关于我们</translation>
+    </message>
+    <message>
+        <location filename="../qml/TitleBar.qml" line="136"/>
+        <source>Settings</source>
+        <translation>设置</translation>
+    </message>
+</context>
+<context>
     <name>WaveProgress</name>
     <message>
         <location filename="../qml/CustomUtils/WaveProgress.qml" line="34"/>
@@ -187,9 +332,25 @@
 <context>
     <name>main</name>
     <message>
-        <location filename="../qml/main.qml" line="13"/>
+        <location filename="../qml/main.qml" line="34"/>
+        <location filename="../qml/main.qml" line="229"/>
         <source>Player</source>
         <translation>播放器</translation>
+    </message>
+    <message>
+        <location filename="../qml/main.qml" line="45"/>
+        <source>File does not exist</source>
+        <translation>文件不存在</translation>
+    </message>
+    <message>
+        <location filename="../qml/main.qml" line="301"/>
+        <source>Continue Playing</source>
+        <translation>继续播放</translation>
+    </message>
+    <message>
+        <location filename="../qml/main.qml" line="356"/>
+        <source>Are you sure you want to delete this video?</source>
+        <translation>确定要删除此视频吗？</translation>
     </message>
 </context>
 </TS>
