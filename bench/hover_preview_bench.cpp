@@ -1,6 +1,6 @@
 // Hover preview: time from a load request to the frame stored for the GPU, on a real file,
 // and where that time goes (open, seek, decode, scale, copy). Run by hand:
-//   bench/hover_preview.sh            (makes a 1080p H.264 clip and runs this)
+//   bench/hover_preview_bench.sh            (makes a 1080p H.264 clip and runs this)
 //   build/bin/hover_preview_bench FILE [positions]
 #include "CommonTool.h"
 #include "FfmpegPtr.h"

@@ -21,7 +21,7 @@ class ThreadPool
 {
 public:
     // Sized to the number of hardware threads; with 0 reported there are no workers and
-    // tasks never run (kept as it is).
+    // tasks never run.
     explicit ThreadPool(unsigned threadCount = std::thread::hardware_concurrency());
     ~ThreadPool();
 

@@ -34,7 +34,7 @@ public:
     Q_INVOKABLE QList<QVariantMap> getVideoHistory(int limit);
     Q_INVOKABLE bool clearHistory();
 
-    // The open connection (null when opening failed). The history model clears through it.
+    // The open connection (null when opening failed).
     sqlite3* connection() const { return m_db; }
 
 signals:

@@ -69,7 +69,7 @@ void ThumbnailItem::onSignalUpdate(int width, int height)
     }
     if (frame) {
         // A resize drops the frame just stored: the framebuffer is remade at the new size
-        // and keeps showing what was uploaded last until the next load. Kept on purpose.
+        // and keeps showing what was uploaded last until the next load.
         std::lock_guard<std::mutex> lock(frame->mutex);
         frame->discard();
     }

@@ -3,7 +3,6 @@
 #include "SqlHelper.h"
 
 #include <spdlog/spdlog.h>
-#include <sqlite3.h>
 
 namespace {
 
@@ -49,18 +48,10 @@ void VideoHistoryModel::refresh()
 bool VideoHistoryModel::removeVideo(const QString& url)
 {
     Q_UNUSED(url)
-    if (!m_store->connection()) {
-        spdlog::error("Failed to clear the history: the database is not open");
+    if (!m_store->clearHistory()) {
+        spdlog::error("Failed to clear the history");
         return false;
     }
-    char* error = nullptr;
-    if (sqlite3_exec(m_store->connection(), "DELETE FROM video_history", nullptr, nullptr, &error) !=
-        SQLITE_OK) {
-        spdlog::error("Failed to clear the history: {}", error ? error : "unknown error");
-        sqlite3_free(error);
-        return false;
-    }
-    emit m_store->dataChanged();
     refresh();
     return true;
 }

@@ -9,7 +9,7 @@ struct YuvFrame;
 
 // Draws the latest YUV 4:2:0 frame over the whole viewport with an OpenGL 3.3 shader that
 // converts to RGB on the GPU (full-range BT.601 coefficients; the grabber's limited-range
-// values are drawn as they are, which is how previews have always looked).
+// values are drawn as they are, not expanded).
 // The vertex table puts the first image row at the bottom of clip space, that is row 0 of the
 // target; Qt Quick shows a framebuffer object's row 0 at the top, so the picture is upright.
 //

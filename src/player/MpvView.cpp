@@ -1,6 +1,7 @@
 #include "MpvView.h"
 
 #include "FileHelper.h"
+#include "MpvClientPtr.h"
 #include "SqlHelper.h"
 #include "ThreadPool.h"
 
@@ -11,7 +12,6 @@
 #include <QPointer>
 #include <QUrl>
 #include <cmath>
-#include <exception>
 #include <spdlog/spdlog.h>
 
 namespace {
@@ -373,19 +373,19 @@ void MpvView::getScreenshot()
 {
     // The encoder runs on the pool with a client handle of its own, so the core outlives the
     // task even if this view goes away meanwhile (ending the core waits for the handle).
-    mpv_handle* client = mpv_create_client(controller()->mpv(), "screenshot");
+    MpvClientPtr client(mpv_create_client(controller()->mpv(), "screenshot"));
     if (!client)
         return;
     QPointer<MpvView> view(this);
-    ThreadPool::instance().submit([client, view] {
+    ThreadPool::instance().submit([client = std::move(client), view]() mutable {
         const QString folder = QDir::tempPath() + QStringLiteral("/screenshots");
         QDir().mkpath(folder);
         const QString path = QDir(folder).absoluteFilePath(
             QStringLiteral("screenshot_%1.png")
                 .arg(QDateTime::currentDateTime().toString(QStringLiteral("yyyyMMdd_hhmmss_zzz"))));
         MpvController::runCommand(
-            client, QVariantList{QStringLiteral("screenshot-to-file"), path, QStringLiteral("video")});
-        mpv_destroy(client);
+            client.get(), QVariantList{QStringLiteral("screenshot-to-file"), path, QStringLiteral("video")});
+        client.reset();
         if (!QFileInfo::exists(path))
             return;
         const QString url = QUrl::fromLocalFile(path).toString();
@@ -491,17 +491,10 @@ void MpvView::saveHistory(bool finished)
     if (m_currentUrl.isEmpty())
         return;
     const QString path = FileHelper::toLocalPath(m_currentUrl);
-    try {
-        SqlHelper* store = SqlHelper::instance();
-        const double position = finished ? 0.0 : m_position;
-        // Before libmpv knows the duration, the stored one is the best there is.
-        const double duration = m_duration > 0.0 ? m_duration : store->getDuration(m_currentUrl);
-        store->saveVideoInfo(m_currentUrl, QFileInfo(path).fileName(), duration, position, QByteArray(), 0,
-                             0);
-        spdlog::info("Video info saved successfully for: {}", path.toStdString());
-    } catch (const std::exception& error) {
-        spdlog::error("Error saving video info for {}: {}", path.toStdString(), error.what());
-    } catch (...) {
-        spdlog::error("Unknown error saving video info for {}", path.toStdString());
-    }
+    SqlHelper* store = SqlHelper::instance();
+    const double position = finished ? 0.0 : m_position;
+    // Before libmpv knows the duration, the stored one is the best there is.
+    const double duration = m_duration > 0.0 ? m_duration : store->getDuration(m_currentUrl);
+    store->saveVideoInfo(m_currentUrl, QFileInfo(path).fileName(), duration, position, QByteArray(), 0, 0);
+    spdlog::info("Video info saved successfully for: {}", path.toStdString());
 }

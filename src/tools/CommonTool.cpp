@@ -121,7 +121,8 @@ void CommonTool::cropVideoAsync(const QString& inputPath, const QString& outputP
 
 bool CommonTool::mergeVideoAsync(const QVariantList& inputPaths, const QString& outputPath)
 {
-    // Deliberately leaves the cancel flag as it is (see resetCancelState).
+    // Leaves the cancel flag as it is: a cancel asked before the merge began stops it at its
+    // first check. A caller that wants a fresh start calls resetCancelState first.
     ThreadPool::instance().submit([this, inputPaths, outputPath]() { mergeVideos(inputPaths, outputPath); });
     return true;
 }

@@ -54,8 +54,8 @@ bool CompressJob::run(const QString& inputPath, const QString& outputPath, int c
             loopReached = true;
             const EncodeLoopEnd end = mainLoop(s);
             if (end == EncodeLoopEnd::EndOfInput && !m_tool.isCancelled()) {
-                // The decoder is deliberately not drained: frames it still holds at the end
-                // of the input are not encoded.
+                // The decoder is not drained: frames it still holds at the end of the input
+                // are not encoded (see configureDecoderThreads).
                 EncodeSteps::flushEncoder(s.videoEncoder.get(), s.output.get(), s.videoOut, s.encoded.get());
                 av_write_trailer(s.output.get());
             }
@@ -191,7 +191,8 @@ bool CompressJob::openAudioCoders(Session& s, double factor)
         const AVCodec* aac = avcodec_find_encoder(AV_CODEC_ID_AAC);
         if (aac) {
             s.audioEncoder = configure(aac, false);
-            // Kept as it always was: the fallback's open result is not checked.
+            // The fallback's open result is not checked: the job goes on with its parameters
+            // whether or not it opened.
             if (s.audioEncoder)
                 avcodec_open2(s.audioEncoder.get(), aac, nullptr);
         }

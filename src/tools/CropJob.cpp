@@ -64,7 +64,7 @@ bool CropJob::copyRange(const QString& inputPath, const QString& outputPath, dou
     ff::InputFormatPtr input;
     if (!MediaProbe::openInputFile(inputPath, input))
         return false;
-    // An unknown duration clamps the end to 0, so nothing is copied: intended.
+    // An unknown duration clamps the end to 0, so nothing is copied.
     const double duration =
         input->duration == AV_NOPTS_VALUE ? 0.0 : static_cast<double>(input->duration) / 1000000.0;
     if (duration < endTime) {

@@ -16,8 +16,9 @@ bool openInputFile(const QString& path, ff::InputFormatPtr& out);
 bool createOutputContext(ff::OutputFormatPtr& out, const QString& path);
 
 // Creates the output streams of a stream-copy job in input order. Subtitles that the MP4
-// family cannot hold are dropped; later output indexes then shift down by one, and callers
-// that address output streams by input index keep doing so (required behaviour).
+// family cannot hold are dropped; later output indexes then shift down by one. The clip and
+// merge jobs address output streams by the packet's input index, so their packets of a
+// stream after a dropped one land on its neighbour.
 bool copyStreamLayout(AVFormatContext* input, AVFormatContext* output);
 
 // Seconds, or 0.0 when the file cannot be opened or its duration is unknown.

@@ -159,7 +159,7 @@ void ThumbnailItemsTest::itemsDrawTheFrameUprightAndKeepItOnBadInput()
     QTRY_COMPARE(item->size(), shown);
     if (!painted && !announced.isEmpty()) {
         // The framebuffer item drops the frame that caused its resize unless the render thread
-        // uploaded it first (kept on purpose); the next load at the fitted size always shows.
+        // uploaded it first; the next load at the fitted size always shows.
         load(item, m_pattern);
         QTRY_COMPARE_WITH_TIMEOUT(m_updates.size(), 2, 20000);
         QCOMPARE(m_updates.at(1), QSize(0, 0));

@@ -2,13 +2,13 @@
 # Playback figures of Vidora's player view next to the mpv command-line player, on one
 # generated 1080p file, in a private X server (software OpenGL), plus the history writes
 # made on the GUI thread. Run by hand after scripts/build.sh:
-#   bench/player/playback.sh [ROUNDS] [CPU_SECONDS]
+#   bench/player/player_bench.sh [ROUNDS] [CPU_SECONDS]
 # Runs alternate between the two players so that load from other work on the machine hits
 # both alike; medians are reported.
 set -euo pipefail
 root=$(cd "$(dirname "$0")/../.." && pwd)
 build=${BUILD_DIR:-$root/build}
-bench=$build/bench/bench_player
+bench=$build/bench/player_bench
 rounds=${1:-7}
 cpu_seconds=${2:-10}
 work=$(mktemp -d)

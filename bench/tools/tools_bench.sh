@@ -2,8 +2,8 @@
 # vidora-cli clip, merge and thumbnail side by side with the equivalent ffmpeg command-line runs,
 # on a generated 2-minute 1080p H.264 + AAC file. Medians of several runs (hyperfine, one
 # warm-up each, so both sides read from the page cache). Run by hand after a Release build:
-#   bench/tools/tools-bench.sh            (RUNS=7, BENCH_DIR=/tmp/vidora-bench)
-#   OUT_DIR=/dev/shm/vidora-bench bench/tools/tools-bench.sh   (outputs in memory: no disk)
+#   bench/tools/tools_bench.sh            (RUNS=7, BENCH_DIR=/tmp/vidora-bench)
+#   OUT_DIR=/dev/shm/vidora-bench bench/tools/tools_bench.sh   (outputs in memory: no disk)
 # Generated media stays in BENCH_DIR, outside the repository, and is reused by later runs;
 # outputs go to OUT_DIR (default BENCH_DIR) and are removed at the end unless KEEP=1.
 set -euo pipefail

@@ -1,11 +1,11 @@
 // Playback and history figures, measured the same way for Vidora's player view and for the
-// mpv command-line player. Run by bench/player/playback.sh inside an X server; not a test.
+// mpv command-line player. Run by bench/player/player_bench.sh inside an X server; not a test.
 //
-//   bench_player ttff vidora|mpv FILE         time from the load request to the first frame
+//   player_bench ttff vidora|mpv FILE         time from the load request to the first frame
 //                                             on the X screen (one run, milliseconds)
-//   bench_player cpu vidora|mpv FILE SECONDS  CPU used while playing (percent of one core)
-//   bench_player history ROWS FILE            history writes at load and stop, GUI thread
-//   bench_player composite SECONDS            CPU of the scene graph alone: a framebuffer item
+//   player_bench cpu vidora|mpv FILE SECONDS  CPU used while playing (percent of one core)
+//   player_bench history ROWS FILE            history writes at load and stop, GUI thread
+//   player_bench composite SECONDS            CPU of the scene graph alone: a framebuffer item
 //                                             that only clears, redrawn at 30 fps
 //
 // Both players get a 1280x720 window at the screen's top-left corner, no audio output and
@@ -555,7 +555,7 @@ int main(int argc, char* argv[])
         return historyWrites(args.at(2).toInt(), args.at(3));
     if (mode == "composite" && args.size() == 3)
         return compositeOnly(args.at(2).toInt());
-    std::fprintf(stderr, "usage: bench_player ttff vidora|mpv FILE | cpu vidora|mpv FILE SECONDS | "
+    std::fprintf(stderr, "usage: player_bench ttff vidora|mpv FILE | cpu vidora|mpv FILE SECONDS | "
                          "history ROWS FILE | composite SECONDS\n");
     return 2;
 }

@@ -4,8 +4,8 @@
 # time (user + system, the steadier figure on a busy machine) and peak resident memory of each,
 # from the fastest of RUNS runs each. Run by hand; the machine should be otherwise idle.
 #
-#   bench/transcode/transcode-bench.sh            (builds first with scripts/build.sh)
-#   RUNS=3 SECONDS_OF_CLIP=8 bench/transcode/transcode-bench.sh
+#   bench/transcode/transcode_bench.sh            (builds first with scripts/build.sh)
+#   RUNS=3 SECONDS_OF_CLIP=8 bench/transcode/transcode_bench.sh
 # The clip stays in BENCH_DIR (default /tmp/vidora-bench) for later runs; the outputs are
 # removed at the end unless KEEP=1.
 set -euo pipefail

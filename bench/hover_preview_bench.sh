@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
 # Hover preview benchmark: makes a 10 s 1080p H.264 clip (x264 defaults apart from the preset,
 # so key frames are far apart as in ordinary files) and times preview loads on it.
-# Usage: BUILD_DIR=build bench/hover_preview.sh [FILE]
+# Usage: BUILD_DIR=build bench/hover_preview_bench.sh [FILE]
 set -euo pipefail
 root=$(cd "$(dirname "$0")/.." && pwd)
 build=${BUILD_DIR:-$root/build}

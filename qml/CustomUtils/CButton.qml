@@ -1,0 +1,40 @@
+import QtQuick 2.15
+import "ImageStem.js" as ImageStem
+
+// An image-only button.
+Rectangle {
+    id: root
+
+    property string imageSource: ""
+    property string toolTip: ""
+    property int imageSize: 0            // 0: the image fills the button
+    property bool hovered: mouseArea.containsMouse
+    property bool pressed: mouseArea.held
+
+    signal clicked()
+
+    color: Theme.transparent
+    implicitWidth: 24
+    implicitHeight: 24
+
+    Image {
+        anchors.centerIn: parent
+        width: root.imageSize > 0 ? root.imageSize : root.width
+        height: root.imageSize > 0 ? root.imageSize : root.height
+        source: ImageStem.source(root.imageSource, root.hovered || root.pressed)
+        fillMode: Image.Stretch
+        smooth: true
+        mipmap: true
+    }
+
+    CMouseArea {
+        id: mouseArea
+        anchors.fill: parent
+        onClicked: root.clicked()
+    }
+
+    CToolTip {
+        visible: root.toolTip.length > 0 && root.hovered
+        text: root.toolTip
+    }
+}

@@ -1,0 +1,57 @@
+import QtQuick 2.15
+import QtQuick.Templates 2.15 as T
+
+// A single-line field. `valueEdited` reports what the user typed; text set by the program
+// through setText() stays silent, so a screen can mirror one field into another without
+// feeding the change back.
+T.TextField {
+    id: root
+
+    property color borderColor: Theme.fieldBorder
+    property color focusBorderColor: Theme.accent
+    property color backgroundColor: Theme.fieldBackground
+    property int borderWidth: 1
+    property int radius: Theme.radiusTool
+
+    property bool settingText: false
+
+    signal valueEdited(string text)
+
+    function setText(newText) {
+        settingText = true
+        text = newText
+        settingText = false
+    }
+
+    onTextChanged: {
+        if (!settingText)
+            valueEdited(text)
+    }
+
+    implicitWidth: 56
+    implicitHeight: 32
+    leftPadding: 12
+    rightPadding: 12
+    topPadding: 6
+    bottomPadding: 6
+    color: Theme.textPrimary
+    selectionColor: Theme.accent
+    selectedTextColor: Theme.textPrimary
+    placeholderTextColor: Theme.textSecondary
+    verticalAlignment: TextInput.AlignVCenter
+    selectByMouse: true
+
+    background: Rectangle {
+        radius: root.radius
+        color: root.backgroundColor
+        border.width: root.borderWidth
+        border.color: root.activeFocus ? root.focusBorderColor : root.borderColor
+        Behavior on border.color {
+            ColorAnimation { duration: 150 }
+        }
+    }
+
+    HoverHandler {
+        cursorShape: Qt.IBeamCursor
+    }
+}
