@@ -13,8 +13,6 @@ T.Slider {
     property int handleSize: 16
     property color handleColor: Theme.sliderHandle
 
-    readonly property bool horizontal: orientation === Qt.Horizontal
-
     implicitWidth: horizontal ? 200 : Math.max(weight, handleSize)
     implicitHeight: horizontal ? Math.max(weight, handleSize) : 200
     padding: 0
