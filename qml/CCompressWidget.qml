@@ -127,7 +127,7 @@ Item {
                 anchors.verticalCenter: parent.verticalCenter
                 width: 20
                 height: 20
-                imageSource: "../Resources/control/clear"
+                imageSource: "../Resources/titleBar/closeOne"
                 visible: nameField.text.length > 0
                 onClicked: nameField.setText("")
             }

@@ -21,11 +21,14 @@ Item {
     property alias saveDirectory: directoryField.text
 
     // Rows change in place, so the combo keeps its choice while the custom fields are typed in.
-    property ListModel resolutionModel: ListModel {
-        Component.onCompleted: append(Logic.resolutions(qsTr("original size"), qsTr("Custom")))
-    }
+    property ListModel resolutionModel: ListModel {}
     readonly property var audioFormats: ConfigHelper.getSupportedAudioFormats()
     readonly property bool customResolution: resolutionBox.currentIndex === Logic.customResolutionRow
+
+    Component.onCompleted: {
+        resolutionModel.append(Logic.resolutions(qsTr("original size"), qsTr("Custom")))
+        resolutionBox.currentIndex = 0
+    }
 
     onSuffixChanged: nameField.setText(Logic.replaceSuffix(outputName, suffix))
 
@@ -167,10 +170,10 @@ Item {
 
         RowLayout {
             spacing: 10
-            ToolOption { id: codecBox; title: qsTr("Video encode"); model: Logic.codecs }
-            ToolOption { id: bitrateBox; title: qsTr("Video bitrate"); model: Logic.bitrates }
-            ToolOption { id: fpsBox; title: qsTr("Video framerate"); model: Logic.framerates }
-            ToolOption { id: resolutionBox; title: qsTr("Resolution"); model: root.resolutionModel }
+            ToolOption { id: codecBox; objectName: "codecBox"; title: qsTr("Video encode"); model: Logic.codecs }
+            ToolOption { id: bitrateBox; objectName: "bitrateBox"; title: qsTr("Video bitrate"); model: Logic.bitrates }
+            ToolOption { id: fpsBox; objectName: "fpsBox"; title: qsTr("Video framerate"); model: Logic.framerates }
+            ToolOption { id: resolutionBox; objectName: "resolutionBox"; title: qsTr("Resolution"); model: root.resolutionModel }
         }
 
         ToolHeading { text: qsTr("Custom") }
@@ -180,6 +183,7 @@ Item {
             spacing: 6
             CTextField {
                 id: widthField
+                objectName: "widthField"
                 width: 54
                 height: 24
                 topPadding: 2
@@ -201,6 +205,7 @@ Item {
             }
             CTextField {
                 id: heightField
+                objectName: "heightField"
                 width: 54
                 height: 24
                 topPadding: 2
@@ -217,8 +222,8 @@ Item {
 
         RowLayout {
             spacing: 10
-            ToolOption { id: audioBox; title: qsTr("Audio encode"); model: root.audioFormats; textRole: "" }
-            ToolOption { id: audioBitrateBox; title: qsTr("Audio bitrate"); model: Logic.audioBitrates }
+            ToolOption { id: audioBox; objectName: "audioBox"; title: qsTr("Audio encode"); model: root.audioFormats; textRole: "" }
+            ToolOption { id: audioBitrateBox; objectName: "audioBitrateBox"; title: qsTr("Audio bitrate"); model: Logic.audioBitrates }
         }
 
         ToolHeading { text: qsTr("Output File Name") }
@@ -236,7 +241,7 @@ Item {
                 anchors.verticalCenter: parent.verticalCenter
                 width: 20
                 height: 20
-                imageSource: "../Resources/control/clear"
+                imageSource: "../Resources/titleBar/closeOne"
                 visible: nameField.text.length > 0
                 onClicked: nameField.setText("")
             }

@@ -143,6 +143,7 @@ Item {
             ToolEmptyState {
                 anchors.centerIn: parent
                 width: parent.width - 40
+                pictureHeight: Math.min(200, Math.max(0, parent.height - 130))
                 visible: videoModel.count === 0
             }
 
@@ -202,6 +203,7 @@ Item {
 
             Row {
                 id: cardRow
+                objectName: "cardRow"
                 spacing: 12
 
                 Repeater {

@@ -4,11 +4,14 @@ import CustomUtils 1.0
 // What a tool's preview area shows before a file is there: a picture, the "Open file" shape
 // and a hint. The owner lays its own mouse and drop areas over it.
 Column {
+    // The picture gives way first when the area is short.
+    property real pictureHeight: 200
+
     spacing: 16
 
     Image {
         anchors.horizontalCenter: parent.horizontalCenter
-        height: 200
+        height: parent.pictureHeight
         width: parent.width
         fillMode: Image.PreserveAspectFit
         source: "../Resources/control/default.png"

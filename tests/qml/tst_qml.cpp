@@ -1,6 +1,10 @@
 #include "QmlRegistration.h"
+#include "TestMedia.h"
 
+#include <QDir>
+#include <QQmlContext>
 #include <QQmlEngine>
+#include <QUrl>
 #include <QtQuickTest>
 
 // Loads the program's own CustomUtils module (native types and the qrc half) into every
@@ -14,6 +18,21 @@ public slots:
         static const bool registered = (registerQmlTypes(), true);
         Q_UNUSED(registered)
         addModuleImportPath(*engine);
+        engine->rootContext()->setContextProperty(QStringLiteral("toolMediaUrl"), toolMedia());
+        // Qt's own dialogs keep their settings under the program's name, as in the program.
+        QCoreApplication::setOrganizationName(QStringLiteral("Vidora"));
+        QCoreApplication::setOrganizationDomain(QStringLiteral("vidora.org"));
+    }
+
+private:
+    // A short 1280 x 720 clip with sound for the tool pages, made once per run.
+    static QUrl toolMedia()
+    {
+        static const QUrl url = [] {
+            const QString path = QDir::temp().filePath(QStringLiteral("tool 720p.mp4"));
+            return TestMedia::makeVideo(path, 3, 1280, 720) ? QUrl::fromLocalFile(path) : QUrl();
+        }();
+        return url;
     }
 };
 
