@@ -19,6 +19,25 @@ ZH = {
     "Audio Track": "音轨",
     "SubTitle": "字幕",
     "no subtitle": "无字幕",
+    # Control library and dialogs
+    "Version": "版本",
+    "Developers": "开发者",
+    "Customer Service Hotline": "客服热线",
+    "Privacy Policy": "隐私政策",
+    "User Agreement": "用户协议",
+    "About us": "关于我们",
+    "Cancel": "取消",
+    "Message": "提示",
+    "OK": "确定",
+    "Screenshot saved": "截图已保存",
+    "There is currently no file playing": "当前没有正在播放的文件",
+    "Open file": "打开文件",
+    "Video Media Formats": "视频格式",
+    "Audio Media Formats": "音频格式",
+    "Filerelevance": "文件关联",
+    "Relevance": "文件关联",
+    "loading": "加载中",
+    "stop": "停止",
 }
 
 path = Path(__file__).resolve().parent.parent / "translations" / "vidora_zh_CN.ts"

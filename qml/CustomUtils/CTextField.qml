@@ -41,6 +41,20 @@ T.TextField {
     verticalAlignment: TextInput.AlignVCenter
     selectByMouse: true
 
+    // The template leaves the placeholder to the style.
+    Text {
+        x: root.leftPadding
+        y: root.topPadding
+        width: root.width - root.leftPadding - root.rightPadding
+        height: root.height - root.topPadding - root.bottomPadding
+        text: root.placeholderText
+        font: root.font
+        color: root.placeholderTextColor
+        verticalAlignment: root.verticalAlignment
+        elide: Text.ElideRight
+        visible: root.length === 0 && !root.preeditText
+    }
+
     background: Rectangle {
         radius: root.radius
         color: root.backgroundColor

@@ -90,7 +90,7 @@ bool CompressJob::prepare(Session& s, const QString& inputPath, const QString& o
         return false;
 
     AVCodecContext* dec = s.videoDecoder.get();
-    if (!s.scaler.open(dec->width, dec->height, dec->pix_fmt, dec->width, dec->height)) {
+    if (!s.scaler.open(dec->width, dec->height, dec->pix_fmt, dec->width, dec->height, s.shown)) {
         spdlog::error("Failed to create scaling context");
         return false;
     }
@@ -103,8 +103,10 @@ bool CompressJob::prepare(Session& s, const QString& inputPath, const QString& o
     s.encoded = ff::makePacket();
     if (!s.decoded || !s.converted || !s.packet || !s.encoded)
         return false;
-    // The picture keeps the decoder's (possibly odd) size; the encoder reads its even part.
-    if (!EncodeSteps::allocatePicture(s.converted.get(), dec->width, dec->height)) {
+    // The picture keeps the decoder's (possibly odd) size, turned as the input is shown; the
+    // encoder reads its even part.
+    if (!EncodeSteps::allocatePicture(s.converted.get(), s.shown.turnedWidth(dec->width, dec->height),
+                                      s.shown.turnedHeight(dec->width, dec->height))) {
         spdlog::error("Could not allocate the converted picture");
         return false;
     }
@@ -125,8 +127,8 @@ bool CompressJob::openVideoEncoder(Session& s, double factor, int crf)
     }
     return EncodeSteps::openVideoEncoder(
         encoder, s.output.get(), s.videoEncoder, &s.videoOut, [&](AVCodecContext* enc) {
-            enc->width = dec->width & ~1;
-            enc->height = dec->height & ~1;
+            enc->width = s.shown.turnedWidth(dec->width, dec->height) & ~1;
+            enc->height = s.shown.turnedHeight(dec->width, dec->height) & ~1;
             enc->thread_count = 0;
             enc->thread_type = FF_THREAD_FRAME | FF_THREAD_SLICE;
             enc->framerate = EncodeSteps::guessFrameRate(in, videoIn);

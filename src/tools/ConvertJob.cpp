@@ -109,8 +109,12 @@ bool ConvertJob::setUpVideoEncode(Session& s, const VideoInfo& request)
     }
     const bool opened = EncodeSteps::openVideoEncoder(
         encoder, s.output.get(), s.videoEncoder, &s.videoOut, [&](AVCodecContext* enc) {
-            enc->width = (request.width > 0 ? request.width : dec->width) & ~1;
-            enc->height = (request.height > 0 ? request.height : dec->height) & ~1;
+            // A requested size is the coded picture's (the size the file's info reports); the
+            // pictures are then turned as the input is shown.
+            const int width = (request.width > 0 ? request.width : dec->width) & ~1;
+            const int height = (request.height > 0 ? request.height : dec->height) & ~1;
+            enc->width = s.shown.turnedWidth(width, height);
+            enc->height = s.shown.turnedHeight(width, height);
             enc->pix_fmt = AV_PIX_FMT_YUV420P;
             enc->bit_rate = request.bitrate > 0 ? request.bitrate : dec->bit_rate;
             enc->framerate =
@@ -123,7 +127,9 @@ bool ConvertJob::setUpVideoEncode(Session& s, const VideoInfo& request)
     if (!opened)
         return false;
     const AVCodecContext* enc = s.videoEncoder.get();
-    if (!s.scaler.open(dec->width, dec->height, dec->pix_fmt, enc->width, enc->height)) {
+    const bool quarterTurn = s.shown.swapsSides();
+    if (!s.scaler.open(dec->width, dec->height, dec->pix_fmt, quarterTurn ? enc->height : enc->width,
+                       quarterTurn ? enc->width : enc->height, s.shown)) {
         spdlog::error("Failed to create scaling context");
         return false;
     }

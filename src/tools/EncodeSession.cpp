@@ -5,7 +5,9 @@
 
 bool EncodeSession::open(const QString& inputPath, const QString& outputPath, bool skipCoverArt)
 {
-    return MediaProbe::openInputFile(inputPath, input) &&
-           EncodeSteps::findStreams(input.get(), skipCoverArt, &videoIndex, &audioIndex) &&
-           MediaProbe::createOutputContext(output, outputPath);
+    if (!MediaProbe::openInputFile(inputPath, input) ||
+        !EncodeSteps::findStreams(input.get(), skipCoverArt, &videoIndex, &audioIndex))
+        return false;
+    shown = DisplayOrientation::ofStream(input->streams[videoIndex]);
+    return MediaProbe::createOutputContext(output, outputPath);
 }

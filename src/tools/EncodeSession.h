@@ -1,5 +1,6 @@
 #pragma once
 
+#include "DisplayOrientation.h"
 #include "FfmpegPtr.h"
 #include "FrameScaler.h"
 
@@ -32,6 +33,9 @@ struct EncodeSession
     ff::PacketPtr encoded;
     int videoIndex = -1;
     int audioIndex = -1;
+    // How the input's video is shown. Re-encoded pictures are turned to stand that way, so the
+    // output is upright in every container and player, also those that ignore display matrices.
+    DisplayOrientation shown;
     AVStream* videoOut = nullptr;
     AVStream* audioOut = nullptr;
 };

@@ -1,5 +1,7 @@
 #include "EncodeSteps.h"
 
+#include "StreamSideData.h"
+
 extern "C" {
 #include <libavutil/cpu.h>
 }
@@ -148,7 +150,8 @@ bool openVideoEncoder(const AVCodec* codec, AVFormatContext* output, ff::CodecCo
 AVStream* addCopiedStream(AVFormatContext* output, const AVStream* source)
 {
     AVStream* stream = avformat_new_stream(output, nullptr);
-    if (!stream || avcodec_parameters_copy(stream->codecpar, source->codecpar) < 0)
+    if (!stream || avcodec_parameters_copy(stream->codecpar, source->codecpar) < 0 ||
+        !StreamSideData::copy(source, stream))
         return nullptr;
     stream->codecpar->codec_tag = 0;
     stream->time_base = source->time_base;

@@ -51,9 +51,10 @@ ff::CodecContextPtr openVideoDecoder(AVStream* stream, const char* noDecoderMess
 bool openVideoEncoder(const AVCodec* codec, AVFormatContext* output, ff::CodecContextPtr& encoder,
                       AVStream** stream, const std::function<void(AVCodecContext*)>& configure);
 
-// A new output stream with `source`'s parameters and time base for packets copied unchanged;
-// its codec tag is cleared, as the source container's tag may mean nothing to the new one
-// (the muxer chooses). Null when it cannot be made.
+// A new output stream with `source`'s parameters, side data (the display matrix among them)
+// and time base for packets copied unchanged; its codec tag is cleared, as the source
+// container's tag may mean nothing to the new one (the muxer chooses). Null when it cannot be
+// made.
 AVStream* addCopiedStream(AVFormatContext* output, const AVStream* source);
 
 // Gives `frame` its own yuv420p buffer of the given size; false when it cannot.

@@ -1,5 +1,6 @@
 #include "FrameGrabber.h"
 
+#include "DisplayOrientation.h"
 #include "FfmpegPtr.h"
 
 extern "C" {
@@ -17,8 +18,28 @@ struct Grabbed
     int height = 0;
 };
 
-// Scales the frame into one tightly packed I420 block at the stream's coded size.
-Grabbed packFrame(const AVFrame* frame, AVPixelFormat sourceFormat, int width, int height)
+// One tightly packed I420 block of the given size, its planes laid over it.
+struct PackedPicture
+{
+    ff::AvBufferPtr buffer;
+    uint8_t* planes[4] = {};
+    int strides[4] = {};
+
+    bool allocate(int width, int height)
+    {
+        const int size = av_image_get_buffer_size(AV_PIX_FMT_YUV420P, width, height, 1);
+        if (size <= 0)
+            return false;
+        buffer.reset(static_cast<uint8_t*>(av_malloc(size)));
+        return buffer &&
+               av_image_fill_arrays(planes, strides, buffer.get(), AV_PIX_FMT_YUV420P, width, height, 1) >= 0;
+    }
+};
+
+// Scales the frame into one tightly packed I420 block at the stream's coded size, then turns
+// it the way the stream is shown, so a portrait phone video gives a portrait picture.
+Grabbed packFrame(const AVFrame* frame, AVPixelFormat sourceFormat, int width, int height,
+                  const DisplayOrientation& orientation)
 {
     Grabbed result;
     if (sourceFormat == AV_PIX_FMT_NONE)
@@ -27,21 +48,25 @@ Grabbed packFrame(const AVFrame* frame, AVPixelFormat sourceFormat, int width, i
                                      AV_PIX_FMT_YUV420P, SWS_BILINEAR, nullptr, nullptr, nullptr));
     if (!scaler)
         return result;
-    const int size = av_image_get_buffer_size(AV_PIX_FMT_YUV420P, width, height, 1);
-    if (size <= 0)
+    PackedPicture coded;
+    if (!coded.allocate(width, height) ||
+        sws_scale(scaler.get(), frame->data, frame->linesize, 0, frame->height, coded.planes, coded.strides) <= 0)
         return result;
-    ff::AvBufferPtr buffer(static_cast<uint8_t*>(av_malloc(size)));
-    if (!buffer)
+    if (orientation.isUpright()) {
+        result.buffer = std::move(coded.buffer);
+        result.width = width;
+        result.height = height;
         return result;
-    uint8_t* planes[4] = {};
-    int strides[4] = {};
-    if (av_image_fill_arrays(planes, strides, buffer.get(), AV_PIX_FMT_YUV420P, width, height, 1) < 0)
+    }
+    const int turnedWidth = orientation.turnedWidth(width, height);
+    const int turnedHeight = orientation.turnedHeight(width, height);
+    PackedPicture turned;
+    if (!turned.allocate(turnedWidth, turnedHeight))
         return result;
-    if (sws_scale(scaler.get(), frame->data, frame->linesize, 0, frame->height, planes, strides) <= 0)
-        return result;
-    result.buffer = std::move(buffer);
-    result.width = width;
-    result.height = height;
+    orientation.turnYuv420(coded.planes, coded.strides, width, height, turned.planes, turned.strides);
+    result.buffer = std::move(turned.buffer);
+    result.width = turnedWidth;
+    result.height = turnedHeight;
     return result;
 }
 
@@ -98,8 +123,8 @@ Grabbed grabFrame(const QString& filePath, double seconds)
         av_packet_unref(packet.get());
         if ((sent < 0 && sent != AVERROR(EAGAIN)) || avcodec_receive_frame(decoder.get(), frame.get()) < 0)
             continue;
-        Grabbed result =
-            packFrame(frame.get(), decoder->pix_fmt, stream->codecpar->width, stream->codecpar->height);
+        Grabbed result = packFrame(frame.get(), decoder->pix_fmt, stream->codecpar->width,
+                                   stream->codecpar->height, DisplayOrientation::ofStream(stream));
         av_frame_unref(frame.get());
         return result;
     }

@@ -3,9 +3,10 @@
 #include <QString>
 #include <cstdint>
 
-// Decodes one picture at or before a time and hands it out as packed I420 at the stream's
-// coded size. Stateless: each call opens and releases its own demuxer, decoder and scaler,
-// so any thread may call it at any time.
+// Decodes one picture at or before a time and hands it out as packed I420 standing the way
+// players show it: turned by the stream's display matrix, so its size is the coded size with
+// width and height swapped for a quarter turn. Stateless: each call opens and releases its own
+// demuxer, decoder and scaler, so any thread may call it at any time.
 class FrameGrabber
 {
 public:

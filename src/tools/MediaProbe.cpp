@@ -1,5 +1,7 @@
 #include "MediaProbe.h"
 
+#include "StreamSideData.h"
+
 #include <cmath>
 #include <cstring>
 #include <spdlog/spdlog.h>
@@ -119,6 +121,11 @@ bool copyStreamLayout(AVFormatContext* input, AVFormatContext* output)
         }
         if (avcodec_parameters_copy(outStream->codecpar, par) < 0) {
             spdlog::error("Failed to copy codec parameters for stream index {}", i);
+            return false;
+        }
+        // Without its display matrix a portrait phone video comes out lying on its side.
+        if (!StreamSideData::copy(inStream, outStream)) {
+            spdlog::error("Failed to copy side data for stream index {}", i);
             return false;
         }
         outStream->codecpar->codec_tag = 0;

@@ -1,6 +1,7 @@
 #include "MergeJob.h"
 
 #include "CommonTool.h"
+#include "DisplayOrientation.h"
 #include "FfmpegPtr.h"
 #include "MediaProbe.h"
 
@@ -17,16 +18,35 @@ namespace {
 
 using DictPtr = std::unique_ptr<AVDictionary, ff::DictDeleter>;
 
-// Seconds of a file as the container reports them, or -1 when unknown or unreadable.
-double containerSeconds(const QString& path)
+// What the list writer needs to know of one input.
+struct InputSummary
 {
+    bool readable = false;
+    double seconds = -1.0; // as the container reports them; -1 when unknown
+    DisplayOrientation orientation; // of its first real video stream
+};
+
+InputSummary summarize(const QString& path)
+{
+    InputSummary summary;
     AVFormatContext* raw = nullptr;
     if (avformat_open_input(&raw, path.toUtf8().constData(), nullptr, nullptr) < 0)
-        return -1.0;
+        return summary;
     ff::InputFormatPtr input(raw);
-    if (avformat_find_stream_info(input.get(), nullptr) < 0 || input->duration == AV_NOPTS_VALUE)
-        return -1.0;
-    return static_cast<double>(input->duration) / 1000000.0;
+    if (avformat_find_stream_info(input.get(), nullptr) < 0)
+        return summary;
+    summary.readable = true;
+    if (input->duration != AV_NOPTS_VALUE)
+        summary.seconds = static_cast<double>(input->duration) / 1000000.0;
+    for (unsigned i = 0; i < input->nb_streams; ++i) {
+        const AVStream* stream = input->streams[i];
+        if (stream->codecpar->codec_type == AVMEDIA_TYPE_VIDEO &&
+            !(stream->disposition & AV_DISPOSITION_ATTACHED_PIC)) {
+            summary.orientation = DisplayOrientation::ofStream(stream);
+            break;
+        }
+    }
+    return summary;
 }
 
 } // namespace
@@ -95,6 +115,11 @@ bool MergeJob::writeList(const QVariantList& inputPaths, const QString& listPath
     stream.setCodec("UTF-8");
     total = 0;
     stream << "ffconcat version 1.0" << Qt::endl;
+    // The packets are copied, so the output can only show every part the way its one display
+    // matrix (the first file's) says: a part recorded at another orientation would come out
+    // lying on its side. Such lists are refused before any output exists.
+    QString firstShown;
+    DisplayOrientation shown;
     for (const QVariant& item : inputPaths) {
         const QString path = item.toString();
         if (path.isEmpty() || !QFileInfo(path).isFile()) {
@@ -103,9 +128,20 @@ bool MergeJob::writeList(const QVariantList& inputPaths, const QString& listPath
             file.remove();
             return false;
         }
-        const double seconds = containerSeconds(path);
-        if (seconds >= 0.0)
-            total += static_cast<qint64>(std::trunc(seconds * 25.0));
+        const InputSummary summary = summarize(path);
+        if (summary.seconds >= 0.0)
+            total += static_cast<qint64>(std::trunc(summary.seconds * 25.0));
+        if (summary.readable && firstShown.isEmpty()) {
+            firstShown = path;
+            shown = summary.orientation;
+        } else if (summary.readable && summary.orientation != shown) {
+            spdlog::error("Cannot merge videos shown at different orientations: {} ({}) and {} ({})",
+                          firstShown.toStdString(), shown.describe(), path.toStdString(),
+                          summary.orientation.describe());
+            file.close();
+            file.remove();
+            return false;
+        }
         // Quotes are written as they are: a path holding one makes the list unreadable and the
         // concat open fails with the library's reason.
         stream << "file '" << QString(path).replace(QLatin1Char('\\'), QLatin1Char('/')) << "'" << Qt::endl;

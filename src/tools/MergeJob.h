@@ -24,7 +24,8 @@ public:
 
 private:
     // Writes the ffconcat list and sums the known durations into total (25 units a second).
-    // On a missing input the list file is removed again and false returned.
+    // On a missing input, or inputs shown at different orientations, the list file is removed
+    // again and false returned.
     bool writeList(const QVariantList& inputPaths, const QString& listPath, qint64& total);
     // Opens the list through the concat demuxer and copies everything into the output.
     // outputCreated tells the caller that the output file was opened (and so exists).

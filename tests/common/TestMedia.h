@@ -131,6 +131,38 @@ inline bool writeFile(const QString& path, const QByteArray& bytes)
     return f.open(QIODevice::WriteOnly | QIODevice::Truncate) && f.write(bytes) == bytes.size();
 }
 
+// A stream copy of the MP4 `source` whose video is shown turned: `rotation` is the angle ffprobe
+// then reports (the ffmpeg tool's rotate tag, counterclockwise), and `mirrored` also mirrors
+// the shown picture left to right. This ffmpeg cannot write a mirror itself, so it is patched
+// into the display matrix the tool wrote (its first column negated).
+inline bool makeTurned(const QString& source, const QString& path, int rotation, bool mirrored = false)
+{
+    if (!ffmpeg({"-i", source, "-map", "0", "-c", "copy", "-metadata:s:v:0",
+                 QStringLiteral("rotate=%1").arg(rotation), path}))
+        return false;
+    if (!mirrored)
+        return true;
+    // ffprobe prints the matrix as three labelled rows of three numbers.
+    QByteArray written;
+    QByteArray patched;
+    for (const QString& row : probe(path, "stream_side_data=displaymatrix", "v:0").split('\n', Qt::SkipEmptyParts)) {
+        const QStringList cells = row.simplified().split(' ');
+        for (int i = 1; i < cells.size(); ++i) {
+            const qint32 value = cells[i].toInt();
+            const qint32 mirroredValue = i == 1 ? -value : value;
+            for (int shift = 24; shift >= 0; shift -= 8) {
+                written += char((value >> shift) & 0xff);
+                patched += char((mirroredValue >> shift) & 0xff);
+            }
+        }
+    }
+    QByteArray bytes = fileBytes(path);
+    const int at = bytes.indexOf(written);
+    if (written.size() != 36 || at < 0 || bytes.indexOf(written, at + 1) >= 0)
+        return false;
+    return writeFile(path, bytes.replace(at, written.size(), patched));
+}
+
 // `size` bytes of repeatable noise: no container recognises them.
 inline QByteArray noise(int size)
 {

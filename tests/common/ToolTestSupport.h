@@ -5,6 +5,7 @@
 #include "LogCapture.h"
 #include "TestMedia.h"
 
+#include <QImage>
 #include <QObject>
 #include <QProcess>
 #include <QRegularExpression>
@@ -57,6 +58,28 @@ public:
             QCOMPARE(events.at(events.size() - 2), QStringLiteral("cancelled"));
     }
 };
+
+// The first picture as the ffmpeg tool shows it (turned by the display matrix), in grey.
+inline QImage shownPicture(const QString& path)
+{
+    const QString png = path + ".shown.png";
+    return TestMedia::ffmpeg({"-i", path, "-frames:v", "1", "-pix_fmt", "gray", png}) ? QImage(png) : QImage();
+}
+
+// Whether two files show the same first picture, give or take what encoding loses: a picture
+// lying on its side or upside down differs by far more, or is of another size.
+inline bool showSamePicture(const QString& a, const QString& b)
+{
+    const QImage x = shownPicture(a);
+    const QImage y = shownPicture(b);
+    if (x.isNull() || x.size() != y.size())
+        return false;
+    qint64 sum = 0;
+    for (int row = 0; row < x.height(); ++row)
+        for (int col = 0; col < x.width(); ++col)
+            sum += qAbs(qGray(x.pixel(col, row)) - qGray(y.pixel(col, row)));
+    return sum < qint64(x.width()) * x.height() * 8;
+}
 
 // vidora-cli from the build's bin folder, run to its end.
 struct CliRun

@@ -2,6 +2,7 @@
 #include "TestMedia.h"
 
 #include <QDir>
+#include <QFile>
 #include <QQmlContext>
 #include <QQmlEngine>
 #include <QUrl>
@@ -13,15 +14,25 @@ class Setup : public QObject
 {
     Q_OBJECT
 public slots:
+    // The program runs beside its config.json; the tests run in their private temporary
+    // folder with a copy of it, so anything written to the working folder stays there.
+    void applicationAvailable()
+    {
+        const QString dir = QDir::tempPath();
+        QDir::setCurrent(dir);
+        QFile::remove(dir + "/config.json");
+        QFile::copy(qEnvironmentVariable("VIDORA_SOURCE_DIR") + "/config.json", dir + "/config.json");
+        // Qt's own dialogs keep their settings under the program's name, as in the program.
+        QCoreApplication::setOrganizationName(QStringLiteral("Vidora"));
+        QCoreApplication::setOrganizationDomain(QStringLiteral("vidora.org"));
+    }
+
     void qmlEngineAvailable(QQmlEngine* engine)
     {
         static const bool registered = (registerQmlTypes(), true);
         Q_UNUSED(registered)
         addModuleImportPath(*engine);
         engine->rootContext()->setContextProperty(QStringLiteral("toolMediaUrl"), toolMedia());
-        // Qt's own dialogs keep their settings under the program's name, as in the program.
-        QCoreApplication::setOrganizationName(QStringLiteral("Vidora"));
-        QCoreApplication::setOrganizationDomain(QStringLiteral("vidora.org"));
     }
 
 private:

@@ -11,6 +11,7 @@ Item {
 
     Component { id: windowComponent; CToolWindow {} }
     SignalSpy { id: finished; target: CommonTool; signalName: "videoCompressionFinished" }
+    SignalSpy { id: progressSpy; signalName: "valueChanged" }
 
     TestCase {
         name: "ToolLogic"
@@ -139,9 +140,12 @@ Item {
             window.openFile(toolMediaUrl)
             compare(page.outputName, "tool 720p_export.mp4")
             page.saveDirectory = FileHelper.getFileAbsolutePath(toolMediaUrl)
+            progressSpy.target = window
             window.startExport()
             window.handleOpenFile = function () { opened++ }  // the folder itself is the desktop's business
             finished.wait(60000)
+            verify(progressSpy.count > 2, "the display moved " + progressSpy.count + " times")
+            compare(window.value, window.to)
             compare(CMessageBox.text, "Export success")
             compare(opened, 1)
             verify(FileHelper.fileExists(page.saveDirectory + "/tool 720p_export.mp4"))

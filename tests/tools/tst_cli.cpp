@@ -205,6 +205,12 @@ private slots:
         for (int x = 0; x < 320; x += 8)
             colourful = colourful || qAbs(qRed(image.pixel(x, 60)) - qBlue(image.pixel(x, 60))) > 150;
         QVERIFY(colourful);
+
+        // A portrait phone video gives a portrait picture, standing as the ffmpeg tool shows it.
+        QVERIFY(TestMedia::makeTurned(path("a.mp4"), path("portrait.mp4"), 90));
+        QCOMPARE(runCli({"thumbnail", path("portrait.mp4"), "0", png}).exitCode, 0);
+        QCOMPARE(QImage(png, "PNG").size(), QSize(240, 320));
+        QVERIFY(showSamePicture(png, path("portrait.mp4")));
     }
 
     void signalsCancelAndWaitForACleanEnd_data()

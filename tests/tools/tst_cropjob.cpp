@@ -56,6 +56,19 @@ private slots:
         QVERIFY(qAbs(TestMedia::seconds(out) - 10.0) < 0.15);
     }
 
+    // The clip of a portrait phone video keeps its display matrix, a mirror included.
+    void portraitKeepsItsDisplayMatrix()
+    {
+        const QString portrait = path("portrait.mp4");
+        QVERIFY(TestMedia::makeTurned(path("30fps.mp4"), portrait, 90, true));
+        const QString matrix = TestMedia::probe(portrait, "stream_side_data=displaymatrix", "v:0");
+        QVERIFY(!matrix.isEmpty());
+        CommonTool tool;
+        const QString out = path("portrait clip.mp4");
+        QVERIFY(tool.cropVideo(portrait, out, 1.0, 3.0));
+        QCOMPARE(TestMedia::probe(out, "stream_side_data=displaymatrix", "v:0"), matrix);
+    }
+
     void endBeyondTheDurationIsClampedAlsoOnUnusualPaths()
     {
         const QString in = path("it's a 测试 clip.mp4");

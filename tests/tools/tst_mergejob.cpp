@@ -31,6 +31,9 @@ private slots:
         m_dir = TestMedia::scratchDir("merge");
         QVERIFY(TestMedia::makeVideo(path("a.mp4"), 2.0));
         QVERIFY(TestMedia::makeVideo(path("b.mp4"), 3.0));
+        QVERIFY(TestMedia::makeTurned(path("a.mp4"), path("a portrait.mp4"), 90));
+        QVERIFY(TestMedia::makeTurned(path("b.mp4"), path("b portrait.mp4"), 90));
+        QVERIFY(TestMedia::makeTurned(path("b.mp4"), path("b mirrored.mp4"), 90, true));
         QCOMPARE(MergeJob::listFilePath(), QDir::tempPath() + "/merge_list.txt");
     }
 
@@ -88,6 +91,16 @@ private slots:
         QVERIFY(listFileGone());
     }
 
+    // Parts shown alike keep their display matrix (other orientations are refused, below).
+    void portraitPartsStayPortrait()
+    {
+        CommonTool tool;
+        const QString out = path("portrait.mp4");
+        QVERIFY(tool.mergeVideos({path("a portrait.mp4"), path("b portrait.mp4")}, out));
+        QCOMPARE(TestMedia::probe(out, "stream=width,height:stream_side_data=rotation", "v:0"),
+                 QStringLiteral("320\n240\n90"));
+    }
+
     void cancelStopsWithoutTrailerAndRemovesTheBrokenFile()
     {
         LogCapture log;
@@ -124,6 +137,13 @@ private slots:
             "Input file does not exist: " + path("gone.mp4"));
         row("empty entry", {a, QString()}, never, early, "Input file does not exist: ");
         row("a folder", {a, path("sub")}, never, early, "Input file does not exist: " + path("sub"));
+        // Copied packets cannot be turned: parts shown at another orientation would lie on their side.
+        const QString orientations("Cannot merge videos shown at different orientations: %1 (%2) and %3 (%4)");
+        row("upright and portrait", {a, path("a portrait.mp4")}, never, early,
+            orientations.arg(a, "upright", path("a portrait.mp4"), "270 degrees clockwise"));
+        row("portrait and mirrored", {path("a portrait.mp4"), path("b mirrored.mp4")}, never, early,
+            orientations.arg(path("a portrait.mp4"), "270 degrees clockwise", path("b mirrored.mp4"),
+                             "mirrored, 270 degrees clockwise"));
         // A single quote garbles the list line.
         QVERIFY(QFile::copy(a, path("it's.mp4")) || QFile::exists(path("it's.mp4")));
         row("single quote", {path("it's.mp4")}, never, late, "Could not open concat demuxer: ");

@@ -93,6 +93,19 @@ private slots:
         }
     }
 
+    // A portrait phone video comes out upright: its pictures are turned as its display matrix
+    // said, into a portrait stream without a matrix (which would turn them a second time).
+    void portraitIsTurnedUpright()
+    {
+        const QString portrait = out("portrait.mp4");
+        QVERIFY(TestMedia::makeTurned(m_h264, portrait, 90));
+        const QString target = out("portrait compressed.mp4");
+        QVERIFY(tool.compressVideo(portrait, target, 0));
+        QCOMPARE(TestMedia::probe(target, "stream=width,height:stream_side_data=rotation", "v:0"),
+                 QStringLiteral("120\n160"));
+        QVERIFY(showSamePicture(target, portrait));
+    }
+
     // Progress is the number of frames handed to the encoder, once per packet it returns:
     // strictly rising, never above the packet total, and the output holds at least as many
     // frames. Frames the decoder still holds at the end are not encoded. The audio packets

@@ -67,6 +67,35 @@ private slots:
         QCOMPARE(progress.front(), 10);
     }
 
+    // A portrait phone video stays upright: a copy keeps the display matrix, a re-encode turns
+    // the pictures and drops it. A requested size is the coded picture's, as the file's info
+    // reports it.
+    void portraitStaysUpright_data()
+    {
+        QTest::addColumn<int>("codecId");
+        QTest::addColumn<QSize>("size");
+        QTest::addColumn<QString>("shown"); // width, height and rotation of the output
+        QTest::newRow("copy") << 0 << QSize() << "160\n120\n90";
+        QTest::newRow("re-encode") << int(AV_CODEC_ID_H264) << QSize() << "120\n160";
+        QTest::newRow("re-encode at 80x60") << int(AV_CODEC_ID_H264) << QSize(80, 60) << "60\n80";
+    }
+    void portraitStaysUpright()
+    {
+        QFETCH(int, codecId);
+        QFETCH(QSize, size);
+        QFETCH(QString, shown);
+        const QString portrait = out("portrait.mp4");
+        QVERIFY(QFile::exists(portrait) || TestMedia::makeTurned(m_30fps, portrait, 90));
+        VideoInfo info = request(codecId);
+        info.width = size.width();
+        info.height = size.height();
+        const QString target = out(QStringLiteral("portrait %1.mp4").arg(QTest::currentDataTag()));
+        QVERIFY(tool.convertVideoFormat(portrait, target, info));
+        QCOMPARE(TestMedia::probe(target, "stream=width,height:stream_side_data=rotation", "v:0"), shown);
+        if (!size.isValid())
+            QVERIFY(showSamePicture(target, portrait));
+    }
+
     // Input frame n fills the output slots [n * ratio, (n + 1) * ratio): doubling the rate
     // sends every frame twice, halving it drops every second one. Progress counts input
     // frames, once per slot.
