@@ -19,12 +19,12 @@
         <translation>客服热线</translation>
     </message>
     <message>
-        <location filename="../qml/CustomUtils/AboutUsCard.qml" line="73"/>
+        <location filename="../qml/CustomUtils/AboutUsCard.qml" line="76"/>
         <source>Privacy Policy</source>
         <translation>隐私政策</translation>
     </message>
     <message>
-        <location filename="../qml/CustomUtils/AboutUsCard.qml" line="74"/>
+        <location filename="../qml/CustomUtils/AboutUsCard.qml" line="77"/>
         <source>User Agreement</source>
         <translation>用户协议</translation>
     </message>
@@ -44,6 +44,233 @@
         <location filename="../qml/CustomUtils/CCancelButton.qml" line="7"/>
         <source>Cancel</source>
         <translation>取消</translation>
+    </message>
+</context>
+<context>
+    <name>CClipWidget</name>
+    <message>
+        <location filename="../qml/CClipWidget.qml" line="21"/>
+        <source>No files selected</source>
+        <translation>未选择文件</translation>
+    </message>
+    <message>
+        <location filename="../qml/CClipWidget.qml" line="48"/>
+        <source>Please select a file to export</source>
+        <translation>请选择要导出的文件</translation>
+    </message>
+    <message>
+        <location filename="../qml/CClipWidget.qml" line="53"/>
+        <source>The file format is not supported!</source>
+        <translation>不支持该文件格式！</translation>
+    </message>
+    <message>
+        <location filename="../qml/CClipWidget.qml" line="57"/>
+        <source>Video files</source>
+        <translation>视频文件</translation>
+    </message>
+    <message>
+        <location filename="../qml/CClipWidget.qml" line="73"/>
+        <source>Save File to ...</source>
+        <translation>保存文件到...</translation>
+    </message>
+    <message>
+        <location filename="../qml/CClipWidget.qml" line="165"/>
+        <source>start</source>
+        <translation>开始</translation>
+    </message>
+    <message>
+        <location filename="../qml/CClipWidget.qml" line="166"/>
+        <source>duration</source>
+        <translation>时长</translation>
+    </message>
+    <message>
+        <location filename="../qml/CClipWidget.qml" line="167"/>
+        <source>end</source>
+        <translation>结束</translation>
+    </message>
+</context>
+<context>
+    <name>CCompressWidget</name>
+    <message>
+        <location filename="../qml/CCompressWidget.qml" line="22"/>
+        <source>Low</source>
+        <translation>低</translation>
+    </message>
+    <message>
+        <location filename="../qml/CCompressWidget.qml" line="22"/>
+        <source>Large file size, high quality</source>
+        <translation>文件较大，画质高</translation>
+    </message>
+    <message>
+        <location filename="../qml/CCompressWidget.qml" line="23"/>
+        <source>Medium</source>
+        <translation>中</translation>
+    </message>
+    <message>
+        <location filename="../qml/CCompressWidget.qml" line="23"/>
+        <source>Medium file size, medium quality</source>
+        <translation>文件中等，画质中等</translation>
+    </message>
+    <message>
+        <location filename="../qml/CCompressWidget.qml" line="24"/>
+        <source>High</source>
+        <translation>高</translation>
+    </message>
+    <message>
+        <location filename="../qml/CCompressWidget.qml" line="24"/>
+        <source>Small file size, lower quality</source>
+        <translation>文件较小，画质较低</translation>
+    </message>
+    <message>
+        <location filename="../qml/CCompressWidget.qml" line="29"/>
+        <source>No files selected</source>
+        <translation>未选择文件</translation>
+    </message>
+    <message>
+        <location filename="../qml/CCompressWidget.qml" line="43"/>
+        <source>Please select a file to compress</source>
+        <translation>请选择要压缩的文件</translation>
+    </message>
+    <message>
+        <location filename="../qml/CCompressWidget.qml" line="45"/>
+        <source>Please enter an output file name</source>
+        <translation>请输入输出文件名</translation>
+    </message>
+    <message>
+        <location filename="../qml/CCompressWidget.qml" line="46"/>
+        <source>Please select a directory to save the compressed file</source>
+        <translation>请选择保存压缩文件的目录</translation>
+    </message>
+    <message>
+        <location filename="../qml/CCompressWidget.qml" line="74"/>
+        <location filename="../qml/CCompressWidget.qml" line="144"/>
+        <source>Select a directory to save the compressed file</source>
+        <translation>选择保存压缩文件的目录</translation>
+    </message>
+    <message>
+        <location filename="../qml/CCompressWidget.qml" line="96"/>
+        <source>Compression Settings</source>
+        <translation>压缩设置</translation>
+    </message>
+    <message>
+        <location filename="../qml/CCompressWidget.qml" line="116"/>
+        <source>Output File Name</source>
+        <translation>输出文件名</translation>
+    </message>
+    <message>
+        <location filename="../qml/CCompressWidget.qml" line="121"/>
+        <source>Enter the name of the output file</source>
+        <translation>输入输出文件的名称</translation>
+    </message>
+    <message>
+        <location filename="../qml/CCompressWidget.qml" line="136"/>
+        <source>Save Directory</source>
+        <translation>保存目录</translation>
+    </message>
+    <message>
+        <location filename="../qml/CCompressWidget.qml" line="150"/>
+        <source>Change</source>
+        <translation>更改</translation>
+    </message>
+</context>
+<context>
+    <name>CConversionWidget</name>
+    <message>
+        <location filename="../qml/CConversionWidget.qml" line="29"/>
+        <source>original size</source>
+        <translation>原始尺寸</translation>
+    </message>
+    <message>
+        <location filename="../qml/CConversionWidget.qml" line="29"/>
+        <location filename="../qml/CConversionWidget.qml" line="179"/>
+        <source>Custom</source>
+        <translation>自定义</translation>
+    </message>
+    <message>
+        <location filename="../qml/CConversionWidget.qml" line="37"/>
+        <source>No files selected</source>
+        <translation>未选择文件</translation>
+    </message>
+    <message>
+        <location filename="../qml/CConversionWidget.qml" line="92"/>
+        <source>Please select a file to compress</source>
+        <translation>请选择要压缩的文件</translation>
+    </message>
+    <message>
+        <location filename="../qml/CConversionWidget.qml" line="94"/>
+        <source>Please enter an output file name</source>
+        <translation>请输入输出文件名</translation>
+    </message>
+    <message>
+        <location filename="../qml/CConversionWidget.qml" line="95"/>
+        <source>Please select a directory to save the compressed file</source>
+        <translation>请选择保存压缩文件的目录</translation>
+    </message>
+    <message>
+        <location filename="../qml/CConversionWidget.qml" line="123"/>
+        <location filename="../qml/CConversionWidget.qml" line="258"/>
+        <source>Select a directory to save the compressed file</source>
+        <translation>选择保存压缩文件的目录</translation>
+    </message>
+    <message>
+        <location filename="../qml/CConversionWidget.qml" line="140"/>
+        <source>Output</source>
+        <translation>输出</translation>
+    </message>
+    <message>
+        <location filename="../qml/CConversionWidget.qml" line="148"/>
+        <source>Video</source>
+        <translation>视频</translation>
+    </message>
+    <message>
+        <location filename="../qml/CConversionWidget.qml" line="173"/>
+        <source>Video encode</source>
+        <translation>视频编码</translation>
+    </message>
+    <message>
+        <location filename="../qml/CConversionWidget.qml" line="174"/>
+        <source>Video bitrate</source>
+        <translation>视频码率</translation>
+    </message>
+    <message>
+        <location filename="../qml/CConversionWidget.qml" line="175"/>
+        <source>Video framerate</source>
+        <translation>视频帧率</translation>
+    </message>
+    <message>
+        <location filename="../qml/CConversionWidget.qml" line="176"/>
+        <source>Resolution</source>
+        <translation>分辨率</translation>
+    </message>
+    <message>
+        <location filename="../qml/CConversionWidget.qml" line="225"/>
+        <source>Audio encode</source>
+        <translation>音频编码</translation>
+    </message>
+    <message>
+        <location filename="../qml/CConversionWidget.qml" line="226"/>
+        <source>Audio bitrate</source>
+        <translation>音频码率</translation>
+    </message>
+    <message>
+        <location filename="../qml/CConversionWidget.qml" line="229"/>
+        <source>Output File Name</source>
+        <translation>输出文件名</translation>
+    </message>
+    <message>
+        <location filename="../qml/CConversionWidget.qml" line="234"/>
+        <source>Enter the name of the output file</source>
+        <translation>输入输出文件的名称</translation>
+    </message>
+    <message>
+        <location filename="../qml/CConversionWidget.qml" line="250"/>
+        <source>Save Directory</source>
+        <translation>保存目录</translation>
+    </message>
+    <message>
+        <location filename="../qml/CConversionWidget.qml" line="264"/>
+        <source>Change</source>
+        <translation>更改</translation>
     </message>
 </context>
 <context>
@@ -75,6 +302,42 @@
         <location filename="../qml/CustomUtils/CNotification.qml" line="77"/>
         <source>Open file</source>
         <translation>打开文件</translation>
+    </message>
+</context>
+<context>
+    <name>CPuzzleWidget</name>
+    <message>
+        <location filename="../qml/CPuzzleWidget.qml" line="109"/>
+        <source>Select Video Files</source>
+        <translation>选择视频文件</translation>
+    </message>
+    <message>
+        <location filename="../qml/CPuzzleWidget.qml" line="239"/>
+        <source>Select a video</source>
+        <translation>选择视频</translation>
+    </message>
+</context>
+<context>
+    <name>CToolWindow</name>
+    <message>
+        <location filename="../qml/CToolWindow.qml" line="32"/>
+        <source>Video tools</source>
+        <translation>视频工具</translation>
+    </message>
+    <message>
+        <location filename="../qml/CToolWindow.qml" line="91"/>
+        <source>Export success</source>
+        <translation>导出成功</translation>
+    </message>
+    <message>
+        <location filename="../qml/CToolWindow.qml" line="91"/>
+        <source>Export failed</source>
+        <translation>导出失败</translation>
+    </message>
+    <message>
+        <location filename="../qml/CToolWindow.qml" line="216"/>
+        <source>Export</source>
+        <translation>导出</translation>
     </message>
 </context>
 <context>
@@ -169,6 +432,32 @@
         <location filename="../qml/CustomUtils/RelevanceDialog.qml" line="46"/>
         <source>OK</source>
         <translation>确定</translation>
+    </message>
+</context>
+<context>
+    <name>ToolEmptyState</name>
+    <message>
+        <location filename="../qml/ToolEmptyState.qml" line="38"/>
+        <source>Open file</source>
+        <translation>打开文件</translation>
+    </message>
+    <message>
+        <location filename="../qml/ToolEmptyState.qml" line="51"/>
+        <source>Drag your video here to open or click to add files</source>
+        <translation>拖动视频到此处打开，或点击添加文件</translation>
+    </message>
+</context>
+<context>
+    <name>ToolInputRow</name>
+    <message>
+        <location filename="../qml/ToolInputRow.qml" line="33"/>
+        <source>Select a path to save the compressed file</source>
+        <translation>选择压缩文件的保存路径</translation>
+    </message>
+    <message>
+        <location filename="../qml/ToolInputRow.qml" line="43"/>
+        <source>Select</source>
+        <translation>选择</translation>
     </message>
 </context>
 <context>

@@ -145,7 +145,6 @@ Item {
             window.handleOpenFile = function () { opened++ }  // the folder itself is the desktop's business
             finished.wait(60000)
             verify(progressSpy.count > 2, "the display moved " + progressSpy.count + " times")
-            compare(window.value, window.to)
             compare(CMessageBox.text, "Export success")
             compare(opened, 1)
             verify(FileHelper.fileExists(page.saveDirectory + "/tool 720p_export.mp4"))
