@@ -1,14 +1,15 @@
-# vidora_add_test(NAME name SOURCES a.cpp ... LIBS lib ... [GUI] [TIMEOUT s] [ENVIRONMENT VAR=value ...])
+# vidora_add_test(NAME name SOURCES a.cpp ... LIBS lib ... [GUI] [TIMEOUT s] [ENVIRONMENT VAR=value ...]
+#                 [LAUNCHER program args ...])
 # One executable per unit. Non-GUI tests run on Qt's offscreen platform; GUI tests need the X
 # display that the test script provides (xvfb-run) and use Mesa's software OpenGL.
 # Every test gets a private TMPDIR so media, sockets and list files never collide.
 function(vidora_add_test)
-  cmake_parse_arguments(T "GUI" "NAME;TIMEOUT" "SOURCES;LIBS;ENVIRONMENT" ${ARGN})
+  cmake_parse_arguments(T "GUI" "NAME;TIMEOUT" "SOURCES;LIBS;ENVIRONMENT;LAUNCHER" ${ARGN})
   add_executable(${T_NAME} ${T_SOURCES})
   target_link_libraries(${T_NAME} PRIVATE Qt5::Test ${T_LIBS})
   target_include_directories(${T_NAME} PRIVATE ${PROJECT_SOURCE_DIR}/tests/common)
   set_target_properties(${T_NAME} PROPERTIES RUNTIME_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/tests)
-  add_test(NAME ${T_NAME} COMMAND ${T_NAME})
+  add_test(NAME ${T_NAME} COMMAND ${T_LAUNCHER} $<TARGET_FILE:${T_NAME}>)
   set(tmp ${CMAKE_BINARY_DIR}/test-tmp/${T_NAME})
   file(MAKE_DIRECTORY ${tmp})
   set(env "TMPDIR=${tmp}" "VIDORA_BIN_DIR=${VIDORA_BIN_DIR}" "VIDORA_SOURCE_DIR=${PROJECT_SOURCE_DIR}" ${T_ENVIRONMENT})

@@ -25,6 +25,8 @@ PACKAGES=(
   libgl1-mesa-dri libglx-mesa0 libegl-mesa0
   # tests: media generation and checks, a real X server, window driving and grabbing
   ffmpeg xvfb xauth xdotool imagemagick x11-utils
+  # desktop integration checks: entry and metainfo validators, a private session bus
+  desktop-file-utils appstream dbus
   # benchmarks: reference players and timing
   mpv hyperfine time
 )

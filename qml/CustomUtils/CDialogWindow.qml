@@ -23,6 +23,11 @@ Window {
 
     Component.onCompleted: centreOnScreen()
 
+    Shortcut {
+        sequences: [StandardKey.Cancel]
+        onActivated: dialog.close()
+    }
+
     CShadowRectangle {
         target: body
     }

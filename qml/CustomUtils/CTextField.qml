@@ -1,9 +1,9 @@
 import QtQuick 2.15
 import QtQuick.Templates 2.15 as T
 
-// A single-line field. `valueEdited` reports what the user typed; text set by the program
-// through setText() stays silent, so a screen can mirror one field into another without
-// feeding the change back.
+// A single-line field. `valueEdited` reports later changes of the text; the initial text and
+// text set through setText() stay silent, so a screen can mirror one field into another
+// without feeding the change back.
 T.TextField {
     id: root
 
@@ -14,6 +14,7 @@ T.TextField {
     property int radius: Theme.radiusTool
 
     property bool settingText: false
+    property bool completed: false
 
     signal valueEdited(string text)
 
@@ -24,9 +25,10 @@ T.TextField {
     }
 
     onTextChanged: {
-        if (!settingText)
+        if (completed && !settingText)
             valueEdited(text)
     }
+    Component.onCompleted: completed = true
 
     implicitWidth: 56
     implicitHeight: 32

@@ -1,6 +1,10 @@
 #include "ConfigHelper.h"
 
+#include "AppPaths.h"
+
+#include <QDir>
 #include <QFile>
+#include <QFileInfo>
 #include <nlohmann/json.hpp>
 #include <optional>
 #include <spdlog/spdlog.h>
@@ -24,14 +28,25 @@ std::optional<nlohmann::json> readConfig(const QString& path)
 
 } // namespace
 
-ConfigHelper::ConfigHelper(QObject* parent) : ConfigHelper(QStringLiteral("./config.json"), parent) {}
+ConfigHelper::ConfigHelper(QObject* parent)
+    : ConfigHelper(AppPaths::current().config, AppPaths::current().defaultConfig, parent)
+{
+}
 
-ConfigHelper::ConfigHelper(const QString& configPath, QObject* parent) : QObject(parent), m_path(configPath) {}
+ConfigHelper::ConfigHelper(const QString& configPath, const QString& seedPath, QObject* parent)
+    : QObject(parent), m_path(configPath), m_seedPath(seedPath)
+{
+}
+
+QString ConfigHelper::readPath() const
+{
+    return m_seedPath.isEmpty() || QFileInfo::exists(m_path) ? m_path : m_seedPath;
+}
 
 QStringList ConfigHelper::formats(const char* type) const
 {
     QStringList result;
-    const auto doc = readConfig(m_path);
+    const auto doc = readConfig(readPath());
     if (!doc || !doc->is_object() || !doc->contains("formats") || !(*doc)["formats"].is_array())
         return result;
     for (const auto& element : (*doc)["formats"]) {
@@ -52,7 +67,7 @@ QStringList ConfigHelper::formats(const char* type) const
 
 QString ConfigHelper::stringValue(const char* key) const
 {
-    const auto doc = readConfig(m_path);
+    const auto doc = readConfig(readPath());
     if (!doc || !doc->is_object())
         return {};
     const auto it = doc->find(key);
@@ -72,14 +87,17 @@ QString ConfigHelper::getDefaultDir() const { return stringValue("defaultDir"); 
 
 void ConfigHelper::setDefaultDir(const QString& dir)
 {
-    auto doc = readConfig(m_path);
+    auto doc = readConfig(readPath());
     if (!doc || !doc->is_object())
         return;
     (*doc)["defaultDir"] = dir.toStdString();
     // Compact, and UTF-8 kept as it is rather than escaped.
     const std::string text = doc->dump(-1, ' ', /*ensure_ascii=*/false, nlohmann::json::error_handler_t::replace);
+    QDir().mkpath(QFileInfo(m_path).absolutePath());
     QFile file(m_path);
-    if (!file.open(QIODevice::WriteOnly | QIODevice::Truncate))
+    if (!file.open(QIODevice::WriteOnly | QIODevice::Truncate)) {
+        spdlog::error("Cannot write {}: {}", m_path.toStdString(), file.errorString().toStdString());
         return;
+    }
     file.write(text.data(), static_cast<qint64>(text.size()));
 }

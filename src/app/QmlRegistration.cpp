@@ -5,6 +5,7 @@
 #include "FileHelper.h"
 #include "FileModel.h"
 #include "ImageProvider.h"
+#include "MprisService.h"
 #include "MpvView.h"
 #include "SqlHelper.h"
 #include "ThumbnailItem.h"
@@ -48,6 +49,10 @@ void registerQmlTypes()
                                         [](QQmlEngine*, QJSEngine*) { return shared(SqlHelper::instance()); });
     qmlRegisterSingletonType<ImageProvider>(
         kUri, 1, 0, "ImageProvider", [](QQmlEngine*, QJSEngine*) { return shared(ImageProvider::instance()); });
+
+    // The desktop's media controls: the window answers their Next and Previous.
+    qmlRegisterSingletonType<MprisService>(
+        kUri, 1, 0, "MprisService", [](QQmlEngine*, QJSEngine*) { return shared(MprisService::instance()); });
 
     // Creatable types, in table order.
     MpvController::registerMetaTypes();

@@ -1,16 +1,34 @@
 #include "SingleInstance.h"
 
+#include <QDir>
+#include <QFileInfo>
 #include <QLocalServer>
 #include <QLocalSocket>
 #include <memory>
 #include <spdlog/spdlog.h>
+#include <unistd.h>
 
 namespace SingleInstance {
 
+QString serverName()
+{
+    const QString runtime = qEnvironmentVariable("XDG_RUNTIME_DIR");
+    const QFileInfo runtimeInfo(runtime);
+    if (!runtime.isEmpty() && runtimeInfo.isDir() && runtimeInfo.ownerId() == ::geteuid())
+        return QDir(runtime).filePath(QString::fromLatin1(kApplicationId));
+    return QDir(QDir::tempPath()).filePath(QStringLiteral("%1-%2").arg(QLatin1String(kApplicationId)).arg(::geteuid()));
+}
+
 bool handOffToRunningInstance(const QStringList& words)
 {
+    const QString name = serverName();
+    // In a shared folder anyone may have made a socket of this name: only our own is
+    // trusted with the command line.
+    const QFileInfo info(name);
+    if (!info.exists() || info.ownerId() != ::geteuid())
+        return false;
     QLocalSocket socket;
-    socket.connectToServer(QString::fromLatin1(kApplicationId));
+    socket.connectToServer(name);
     if (!socket.waitForConnected(500))
         return false;
     if (!words.isEmpty()) {
@@ -30,9 +48,10 @@ QStringList decodeHandOff(const QByteArray& bytes)
 
 QLocalServer* listen(QObject* parent, std::function<void(const QStringList&)> onWords)
 {
-    const QString name = QString::fromLatin1(kApplicationId);
+    const QString name = serverName();
     QLocalServer::removeServer(name);
     auto* server = new QLocalServer(parent);
+    server->setSocketOptions(QLocalServer::UserAccessOption);
     if (!server->listen(name))
         spdlog::error("Could not listen for other instances: {}", server->errorString().toStdString());
     QObject::connect(server, &QLocalServer::newConnection, server, [server, onWords]() {

@@ -1,6 +1,8 @@
+#include "AppPaths.h"
 #include "CommandLine.h"
 #include "Logging.h"
 #include "QmlRegistration.h"
+#include "MprisService.h"
 #include "SingleInstance.h"
 
 #include <QCoreApplication>
@@ -36,8 +38,8 @@ QStringList argumentsAfterProgram(int argc, char* argv[])
     return words;
 }
 
-// The folder of the running executable, from the kernel's view of it, so relative paths
-// (fonts, translation, config.json, mpvqt.conf, the database) work from any start folder.
+// The folder of the running executable, from the kernel's view of it, so the shipped files
+// are found from any start folder.
 QString executableFolder(const char* argv0)
 {
     char buffer[4096] = {};
@@ -73,7 +75,9 @@ int main(int argc, char* argv[])
 
     std::unique_ptr<QLocalServer> server(SingleInstance::listen(nullptr, handleCommandLineWords));
 
-    const QString folder = executableFolder(argv[0]);
+    // The shipped files (fonts, translation, mpvqt.conf) are then found by relative name.
+    AppPaths::setCurrent(AppPaths::resolve(executableFolder(argv[0])));
+    const QString folder = AppPaths::current().readOnlyFolder;
     QDir::setCurrent(folder);
 
     spdlog::set_level(spdlog::level::err);
@@ -110,6 +114,11 @@ int main(int argc, char* argv[])
                 QCoreApplication::exit(-1);
         },
         Qt::QueuedConnection);
+    MprisService* mpris = MprisService::instance();
+    QObject::connect(mpris, &MprisService::openUriRequested, mpris,
+                     [](const QString& path) { handleCommandLineWords({path}); });
+    mpris->start();
+
     engine->load(mainUrl);
     finishEngineSetup(*engine);
 

@@ -1,13 +1,15 @@
 #include "SqlHelper.h"
 
+#include "AppPaths.h"
 #include "SqlStatement.h"
+
+#include <QDir>
+#include <QFileInfo>
 
 #include <spdlog/spdlog.h>
 #include <sqlite3.h>
 
 namespace {
-
-constexpr const char* kDatabaseName = "video_history.db";
 
 constexpr const char* kCreateTable = "CREATE TABLE IF NOT EXISTS video_history (url TEXT PRIMARY "
                                      "KEY,filename TEXT NOT NULL,last_position REAL "
@@ -46,7 +48,11 @@ bool execute(sqlite3* db, const char* sql, std::string* error = nullptr)
 SqlHelper* SqlHelper::instance()
 {
     // Created on first use and kept to the end of the process; the QML engine never owns it.
-    static SqlHelper* helper = new SqlHelper(QString::fromLatin1(kDatabaseName));
+    static SqlHelper* helper = [] {
+        const QString path = AppPaths::current().historyDatabase;
+        QDir().mkpath(QFileInfo(path).absolutePath());
+        return new SqlHelper(path);
+    }();
     return helper;
 }
 

@@ -8,8 +8,8 @@
 
 struct sqlite3;
 
-// The playback history: one row per played URL in "video_history.db" (relative to the
-// working directory). A process-wide singleton that owns one SQLite connection.
+// The playback history: one row per played URL in "video_history.db" (in the folder start-up
+// chose, see AppPaths). A process-wide singleton that owns one SQLite connection.
 // GUI thread only: there is no lock, and no worker may call it.
 class SqlHelper : public QObject
 {

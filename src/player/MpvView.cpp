@@ -1,6 +1,8 @@
 #include "MpvView.h"
 
+#include "AppPaths.h"
 #include "FileHelper.h"
+#include "MprisService.h"
 #include "MpvClientPtr.h"
 #include "SqlHelper.h"
 #include "ThreadPool.h"
@@ -89,6 +91,7 @@ MpvView::MpvView(QQuickItem* parent) : MpvAbstractItem(parent)
     connect(mpv, &MpvController::videoReconfig, this, &MpvView::videoReconfig, Qt::QueuedConnection);
     connect(mpv, &MpvController::endFile, this, &MpvView::onEndFile, Qt::QueuedConnection);
     connect(this, &MpvAbstractItem::ready, this, &MpvView::onReady);
+    MprisService::playerCreated(this);
 }
 
 MpvView::~MpvView()
@@ -377,8 +380,8 @@ void MpvView::getScreenshot()
     if (!client)
         return;
     QPointer<MpvView> view(this);
-    ThreadPool::instance().submit([client = std::move(client), view]() mutable {
-        const QString folder = QDir::tempPath() + QStringLiteral("/screenshots");
+    const QString folder = AppPaths::current().screenshotFolder;
+    ThreadPool::instance().submit([client = std::move(client), view, folder]() mutable {
         QDir().mkpath(folder);
         const QString path = QDir(folder).absoluteFilePath(
             QStringLiteral("screenshot_%1.png")

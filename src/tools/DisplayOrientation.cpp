@@ -77,12 +77,21 @@ void DisplayOrientation::turnPlane(const uint8_t* src, int srcStride, int width,
     const int originY = (m_yx < 0 || m_yy < 0) ? outHeight - 1 : 0;
     const std::ptrdiff_t stepX = m_xx + static_cast<std::ptrdiff_t>(m_yx) * dstStride;
     const std::ptrdiff_t stepY = m_xy + static_cast<std::ptrdiff_t>(m_yy) * dstStride;
-    uint8_t* rowStart = dst + static_cast<std::ptrdiff_t>(originY) * dstStride + originX;
-    for (int y = 0; y < height; ++y, rowStart += stepY) {
-        const uint8_t* in = src + static_cast<std::ptrdiff_t>(y) * srcStride;
-        uint8_t* out = rowStart;
-        for (int x = 0; x < width; ++x, out += stepX)
-            *out = in[x];
+    uint8_t* origin = dst + static_cast<std::ptrdiff_t>(originY) * dstStride + originX;
+    // A quarter turn writes each source row down a destination column; square tiles keep the
+    // destination rows it touches in the cache. Other placements go row by row.
+    const int tile = swapsSides() ? 32 : width;
+    for (int tileY = 0; tileY < height; tileY += tile) {
+        const int endY = std::min(tileY + tile, height);
+        for (int tileX = 0; tileX < width; tileX += tile) {
+            const int endX = std::min(tileX + tile, width);
+            for (int y = tileY; y < endY; ++y) {
+                const uint8_t* in = src + static_cast<std::ptrdiff_t>(y) * srcStride;
+                uint8_t* out = origin + y * stepY + tileX * stepX;
+                for (int x = tileX; x < endX; ++x, out += stepX)
+                    *out = in[x];
+            }
+        }
     }
 }
 

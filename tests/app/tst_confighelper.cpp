@@ -15,6 +15,7 @@ private slots:
     void invalidJsonGivesEmptyAnswers();
     void singleValuesReadTheirKeys();
     void setDefaultDirRewritesOneLineKeepingEverythingElse();
+    void userCopyIsSeededFromTheDefaultOnFirstChange();
 
 private:
     void write(const QByteArray& text);
@@ -102,6 +103,25 @@ void TestConfigHelper::setDefaultDirRewritesOneLineKeepingEverythingElse()
     QCOMPARE(config.getDefaultDir(), dir);
     QCOMPARE(config.getSupportedVideoFormats(), QStringList({"mp4"}));
     QCOMPARE(config.appName(), QStringLiteral("视频播放器"));
+}
+
+void TestConfigHelper::userCopyIsSeededFromTheDefaultOnFirstChange()
+{
+    write("{\"appName\": \"Vidora\", \"formats\": [{\"extension\": \"mkv\", \"type\": \"video\"}]}");
+    const QString user = m_dir->filePath("home/.config/vidora/config.json");
+    ConfigHelper config(user, m_path);
+    QCOMPARE(config.appName(), QStringLiteral("Vidora"));
+    QVERIFY(!QFile::exists(user));
+
+    config.setDefaultDir("/srv/out");
+    QVERIFY(QFile::exists(user));
+    QCOMPARE(config.getDefaultDir(), QStringLiteral("/srv/out"));
+    QCOMPARE(config.getSupportedVideoFormats(), QStringList({"mkv"}));
+    QVERIFY(ConfigHelper(m_path).getDefaultDir().isEmpty()); // the installed default is untouched
+
+    // From now on the user's file answers, even where the default would say otherwise.
+    write("{\"appName\": \"Other\"}");
+    QCOMPARE(config.appName(), QStringLiteral("Vidora"));
 }
 
 QTEST_GUILESS_MAIN(TestConfigHelper)

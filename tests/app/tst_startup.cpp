@@ -9,9 +9,12 @@
 #include <QUrl>
 #include <QtTest>
 #include <csignal>
+#include <sys/stat.h>
+#include <unistd.h>
 
-// Two real processes of the program. Each test run has its own TMPDIR, which is where the
-// local server's socket lives, so a player the developer has open is never disturbed.
+// Two real processes of the program. Each test run has its own TMPDIR and no runtime folder,
+// so the local server's socket lives in TMPDIR and a player the developer has open is never
+// disturbed.
 class TestStartup : public QObject
 {
     Q_OBJECT
@@ -23,10 +26,11 @@ private slots:
     void pathsWithSpacesQuotesAndChineseTravelIntact();
     void staleSocketOfKilledInstanceDoesNotBlockNewOne();
     void startedFromAnotherFolderFindsItsTranslation();
+    void socketBelongsToItsUserAlone();
 
 private:
-    QProcess* startPlayer(const QStringList& args = {});
-    bool waitForListening(int timeoutMs = 15000);
+    QProcess* startPlayer(const QStringList& args = {}, const QProcessEnvironment& extra = {});
+    bool waitForListening(int timeoutMs = 15000, const QString& name = SingleInstance::serverName());
     int runSecond(const QStringList& args);
     bool waitForLine(QProcess* p, const QString& needle, int timeoutMs = 10000);
     void stop(QProcess* p);
@@ -39,6 +43,7 @@ private:
 
 void TestStartup::initTestCase()
 {
+    qunsetenv("XDG_RUNTIME_DIR");
     m_program = qEnvironmentVariable("VIDORA_BIN_DIR") + "/vidora";
     QVERIFY2(QFile::exists(m_program), qPrintable(m_program));
     m_file = m_media.filePath("clip one.mp4");
@@ -53,12 +58,14 @@ void TestStartup::cleanup()
     m_running.clear();
 }
 
-QProcess* TestStartup::startPlayer(const QStringList& args)
+QProcess* TestStartup::startPlayer(const QStringList& args, const QProcessEnvironment& extra)
 {
     auto* p = new QProcess(this);
     QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
     env.insert("VIDORA_LOG_LEVEL", "info");
     env.insert("QT_QPA_PLATFORM", "xcb");
+    for (const QString& key : extra.keys())
+        env.insert(key, extra.value(key));
     p->setProcessEnvironment(env);
     p->setProcessChannelMode(QProcess::MergedChannels);
     p->start(m_program, args);
@@ -66,13 +73,13 @@ QProcess* TestStartup::startPlayer(const QStringList& args)
     return p;
 }
 
-bool TestStartup::waitForListening(int timeoutMs)
+bool TestStartup::waitForListening(int timeoutMs, const QString& name)
 {
     QElapsedTimer t;
     t.start();
     while (t.elapsed() < timeoutMs) {
         QLocalSocket probe;
-        probe.connectToServer(QString::fromLatin1(SingleInstance::kApplicationId));
+        probe.connectToServer(name);
         if (probe.waitForConnected(200))
             return true;
         QTest::qWait(100);
@@ -172,7 +179,7 @@ void TestStartup::staleSocketOfKilledInstanceDoesNotBlockNewOne()
     QVERIFY(waitForListening());
     ::kill(static_cast<pid_t>(crashed->processId()), SIGKILL);
     crashed->waitForFinished();
-    QVERIFY(QFile::exists(QDir::tempPath() + "/" + SingleInstance::kApplicationId)); // left behind
+    QVERIFY(QFile::exists(SingleInstance::serverName())); // left behind
 
     QProcess* fresh = startPlayer();
     QVERIFY(waitForListening());
@@ -199,6 +206,63 @@ void TestStartup::startedFromAnotherFolderFindsItsTranslation()
             QTest::qWait(200);
     }
     QVERIFY(found);
+}
+
+void TestStartup::socketBelongsToItsUserAlone()
+{
+    // Without a runtime folder: a name of this user's own in the shared folder, that only
+    // this user may connect to.
+    QProcess* first = startPlayer();
+    QVERIFY(waitForListening());
+    const QFileInfo socket(SingleInstance::serverName());
+    QVERIFY(socket.fileName().endsWith(QStringLiteral("-%1").arg(::geteuid())));
+    QCOMPARE(socket.permissions() & (QFile::ReadGroup | QFile::WriteGroup | QFile::ReadOther | QFile::WriteOther),
+             QFile::Permissions());
+
+    // With one: the socket lives there, and players of the same session find each other.
+    QTemporaryDir runtime;
+    QVERIFY(QFile::setPermissions(runtime.path(), QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner));
+    QProcessEnvironment session;
+    session.insert("XDG_RUNTIME_DIR", runtime.path());
+    QProcess* inSession = startPlayer({}, session);
+    const QString inRuntime = runtime.filePath(SingleInstance::kApplicationId);
+    QVERIFY(waitForListening(15000, inRuntime));
+    QProcess second;
+    QProcessEnvironment secondEnv = QProcessEnvironment::systemEnvironment();
+    secondEnv.insert("XDG_RUNTIME_DIR", runtime.path());
+    second.setProcessEnvironment(secondEnv);
+    second.start(m_program, {"-crop", m_file});
+    QVERIFY(second.waitForFinished(5000));
+    QCOMPARE(second.exitCode(), 0);
+    QVERIFY(waitForLine(inSession, "openFile: command=-crop"));
+    QVERIFY(!waitForLine(first, "openFile:", 500));
+
+    // Another user beside this one starts a player of their own instead of handing off here.
+    if (::geteuid() != 0)
+        QSKIP("starting a program as another user needs root");
+    // A shared folder like /tmp, and a copy of the program that any user may run (the build
+    // folder may be closed to others).
+    QTemporaryDir shared(QStringLiteral("/tmp/vidora-shared-XXXXXX"));
+    QVERIFY(::chmod(QFile::encodeName(shared.path()).constData(), 01777) == 0);
+    const QString program = shared.filePath("vidora");
+    QVERIFY(QFile::copy(m_program, program));
+    QProcessEnvironment sharedTmp;
+    sharedTmp.insert("TMPDIR", shared.path());
+    QProcess* mine = startPlayer({}, sharedTmp);
+    QVERIFY(waitForListening(15000, shared.filePath(QStringLiteral("%1-0").arg(SingleInstance::kApplicationId))));
+    auto* other = new QProcess(this);
+    QProcessEnvironment otherEnv = QProcessEnvironment::systemEnvironment();
+    otherEnv.insert("TMPDIR", shared.path());
+    otherEnv.insert("HOME", shared.path());
+    otherEnv.insert("QT_QPA_PLATFORM", "offscreen");
+    other->setProcessEnvironment(otherEnv);
+    other->setWorkingDirectory(shared.path());
+    other->start("setpriv", QStringList{"--reuid=65534", "--regid=65534", "--clear-groups", program, m_file});
+    m_running << other;
+    const QString othersName = shared.filePath(QStringLiteral("%1-65534").arg(SingleInstance::kApplicationId));
+    QTRY_VERIFY_WITH_TIMEOUT(QFile::exists(othersName), 15000);
+    QCOMPARE(QFileInfo(othersName).ownerId(), 65534u);
+    QVERIFY(!waitForLine(mine, "openFile:", 500));
 }
 
 QTEST_GUILESS_MAIN(TestStartup)

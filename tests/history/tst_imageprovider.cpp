@@ -87,6 +87,14 @@ void ImageProviderTest::picturesAreKeptPerTagAndIndexInTrueColours()
     QTRY_COMPARE_WITH_TIMEOUT(m_loaded.size(), 5, 20000);
     QCOMPARE(m_loaded.at(4), QString("0 CVideoCard0.png"));
     QVERIFY(near(centreOf(provider, "CVideoCard0.png"), Qt::blue, 3));
+
+    // A portrait phone video (landscape-coded, turned for display) gives a portrait picture.
+    const QString landscape = m_dir + "/landscape.mp4", portrait = m_dir + "/portrait.mp4";
+    QVERIFY(TestMedia::makeVideo(landscape, 1, 64, 48, 5, false) &&
+            TestMedia::makeTurned(landscape, portrait, 270));
+    provider.loadThumbnail(3, portrait, 0.0, "CVideoCard");
+    QTRY_COMPARE_WITH_TIMEOUT(m_loaded.size(), 6, 20000);
+    QCOMPARE(provider.requestImage("CVideoCard3.png", &size, QSize()).size(), QSize(48, 64));
 }
 
 void ImageProviderTest::conversionIsExactAtOddSizes()

@@ -1,6 +1,7 @@
 #include "CommonTool.h"
 #include "FfmpegPtr.h"
 #include "HistoryTestSupport.h"
+#include "ThumbnailFit.h"
 #include "ThumbnailItem.h"
 #include "YUVPaintedItem.h"
 
@@ -22,6 +23,7 @@ private slots:
     void cleanup() { m_window.reset(); }
     void itemsDrawTheFrameUprightAndKeepItOnBadInput_data();
     void itemsDrawTheFrameUprightAndKeepItOnBadInput();
+    void portraitFramesStandUpright();
     void itemDestroyedDuringALoad();
 
 private:
@@ -176,6 +178,27 @@ void ThumbnailItemsTest::itemsDrawTheFrameUprightAndKeepItOnBadInput()
     QTest::qWait(200);
     QVERIFY2(shows(item, m_expected, &why), qPrintable(why));
     QCOMPARE(item->size(), shown);
+}
+
+// A portrait phone video's frame arrives turned, width and height swapped, and both items draw
+// it as it came: in a portrait box, its quadrants where the ffmpeg tool shows them.
+void ThumbnailItemsTest::portraitFramesStandUpright()
+{
+    const QString portrait = m_dir + "/portrait.mp4";
+    QVERIFY(TestMedia::makeTurned(m_pattern, portrait, 90));
+    // A quarter turn counterclockwise brings the right column to the top.
+    const QColor turned[4] = {m_expected[1], m_expected[3], m_expected[0], m_expected[2]};
+    for (const bool painted : {false, true}) {
+        m_updates.clear();
+        QQuickItem* item = makeItem(painted, QSizeF(fitThumbnail(240, 320, 210, 130)));
+        QTRY_VERIFY(shows(item, kBlack));
+        load(item, portrait);
+        QTRY_COMPARE_WITH_TIMEOUT(m_updates.size(), 1, 20000);
+        QCOMPARE(m_updates.at(0), QSize(0, 0)); // the box already has the portrait size
+        QString why;
+        QTRY_VERIFY2_WITH_TIMEOUT(shows(item, turned, &why), qPrintable(why), 10000);
+        delete item;
+    }
 }
 
 void ThumbnailItemsTest::itemDestroyedDuringALoad()
