@@ -274,6 +274,14 @@
     </message>
 </context>
 <context>
+    <name>CFileDialog</name>
+    <message>
+        <location filename="../qml/CFileDialog.qml" line="14"/>
+        <source>Select Files</source>
+        <translation>选择文件</translation>
+    </message>
+</context>
+<context>
     <name>CMessageBox</name>
     <message>
         <location filename="../qml/CustomUtils/CMessageBox.qml" line="45"/>
@@ -341,64 +349,178 @@
     </message>
 </context>
 <context>
-    <name>MpvView</name>
+    <name>ControlBar</name>
     <message>
-        <location filename="../src/player/MpvView.cpp" line="130"/>
-        <source>❚❚ paused</source>
-        <translation>❚❚ 已暂停</translation>
-    </message>
-    <message>
-        <location filename="../src/player/MpvView.cpp" line="130"/>
-        <source>▶ playing</source>
-        <translation>▶ 播放中</translation>
-    </message>
-    <message>
-        <location filename="../src/player/MpvView.cpp" line="143"/>
-        <source>🔇 Muted</source>
-        <translation>🔇 已静音</translation>
-    </message>
-    <message>
-        <location filename="../src/player/MpvView.cpp" line="143"/>
-        <source>🔊 Unmuted</source>
-        <translation>🔊 已取消静音</translation>
-    </message>
-    <message>
-        <location filename="../src/player/MpvView.cpp" line="154"/>
-        <source>Hardware Decoding:</source>
-        <translation>硬件解码：</translation>
-    </message>
-    <message>
-        <location filename="../src/player/MpvView.cpp" line="257"/>
-        <source>Full</source>
-        <translation>铺满</translation>
-    </message>
-    <message>
-        <location filename="../src/player/MpvView.cpp" line="263"/>
+        <location filename="../qml/ControlBar.qml" line="83"/>
         <source>default</source>
         <translation>默认</translation>
     </message>
     <message>
-        <location filename="../src/player/MpvView.cpp" line="273"/>
+        <location filename="../qml/ControlBar.qml" line="86"/>
+        <source>Full</source>
+        <translation>铺满</translation>
+    </message>
+    <message>
+        <location filename="../qml/ControlBar.qml" line="90"/>
+        <source>Video compression</source>
+        <translation>视频压缩</translation>
+    </message>
+    <message>
+        <location filename="../qml/ControlBar.qml" line="91"/>
+        <source>Video capture</source>
+        <translation>视频截取</translation>
+    </message>
+    <message>
+        <location filename="../qml/ControlBar.qml" line="92"/>
+        <source>Video Merger</source>
+        <translation>视频合并</translation>
+    </message>
+    <message>
+        <location filename="../qml/ControlBar.qml" line="93"/>
+        <source>Format Conversion</source>
+        <translation>格式转换</translation>
+    </message>
+    <message>
+        <location filename="../qml/ControlBar.qml" line="210"/>
+        <source>Stop</source>
+        <translation>停止</translation>
+    </message>
+    <message>
+        <location filename="../qml/ControlBar.qml" line="220"/>
+        <source>Previous</source>
+        <translation>上一个</translation>
+    </message>
+    <message>
+        <location filename="../qml/ControlBar.qml" line="237"/>
+        <source>Next</source>
+        <translation>下一个</translation>
+    </message>
+    <message>
+        <location filename="../qml/ControlBar.qml" line="310"/>
+        <source>Screenshot</source>
+        <translation>截图</translation>
+    </message>
+    <message>
+        <location filename="../qml/ControlBar.qml" line="318"/>
+        <source>Tools</source>
+        <translation>工具</translation>
+    </message>
+    <message>
+        <location filename="../qml/ControlBar.qml" line="327"/>
+        <source>Settings</source>
+        <translation>设置</translation>
+    </message>
+    <message>
+        <location filename="../qml/ControlBar.qml" line="353"/>
+        <source>Mini player</source>
+        <translation>迷你播放器</translation>
+    </message>
+    <message>
+        <location filename="../qml/ControlBar.qml" line="361"/>
+        <source>Full screen</source>
+        <translation>全屏</translation>
+    </message>
+    <message>
+        <location filename="../qml/ControlBar.qml" line="466"/>
+        <source>video</source>
+        <translation>画面</translation>
+    </message>
+    <message>
+        <location filename="../qml/ControlBar.qml" line="481"/>
+        <source>subTitle</source>
+        <translation>字幕</translation>
+    </message>
+    <message>
+        <location filename="../qml/ControlBar.qml" line="496"/>
+        <source>audio</source>
+        <translation>音频</translation>
+    </message>
+</context>
+<context>
+    <name>DefaultWidget</name>
+    <message>
+        <location filename="../qml/DefaultWidget.qml" line="53"/>
+        <source>Open file</source>
+        <translation>打开文件</translation>
+    </message>
+</context>
+<context>
+    <name>HistoryPanel</name>
+    <message>
+        <location filename="../qml/HistoryPanel.qml" line="46"/>
+        <source>Play List</source>
+        <translation>播放列表</translation>
+    </message>
+    <message>
+        <location filename="../qml/HistoryPanel.qml" line="59"/>
+        <source>Add files</source>
+        <translation>添加文件</translation>
+    </message>
+    <message>
+        <location filename="../qml/HistoryPanel.qml" line="66"/>
+        <source>Clear the list</source>
+        <translation>清空列表</translation>
+    </message>
+</context>
+<context>
+    <name>MpvView</name>
+    <message>
+        <location filename="../src/player/MpvView.cpp" line="133"/>
+        <source>❚❚ paused</source>
+        <translation>❚❚ 已暂停</translation>
+    </message>
+    <message>
+        <location filename="../src/player/MpvView.cpp" line="133"/>
+        <source>▶ playing</source>
+        <translation>▶ 播放中</translation>
+    </message>
+    <message>
+        <location filename="../src/player/MpvView.cpp" line="146"/>
+        <source>🔇 Muted</source>
+        <translation>🔇 已静音</translation>
+    </message>
+    <message>
+        <location filename="../src/player/MpvView.cpp" line="146"/>
+        <source>🔊 Unmuted</source>
+        <translation>🔊 已取消静音</translation>
+    </message>
+    <message>
+        <location filename="../src/player/MpvView.cpp" line="157"/>
+        <source>Hardware Decoding:</source>
+        <translation>硬件解码：</translation>
+    </message>
+    <message>
+        <location filename="../src/player/MpvView.cpp" line="260"/>
+        <source>Full</source>
+        <translation>铺满</translation>
+    </message>
+    <message>
+        <location filename="../src/player/MpvView.cpp" line="266"/>
+        <source>default</source>
+        <translation>默认</translation>
+    </message>
+    <message>
+        <location filename="../src/player/MpvView.cpp" line="276"/>
         <source>Aspect Ratio:</source>
         <translation>画面比例：</translation>
     </message>
     <message>
-        <location filename="../src/player/MpvView.cpp" line="296"/>
+        <location filename="../src/player/MpvView.cpp" line="299"/>
         <source>Audio Track</source>
         <translation>音轨</translation>
     </message>
     <message>
-        <location filename="../src/player/MpvView.cpp" line="322"/>
+        <location filename="../src/player/MpvView.cpp" line="325"/>
         <source>SubTitle</source>
         <translation>字幕</translation>
     </message>
     <message>
-        <location filename="../src/player/MpvView.cpp" line="339"/>
+        <location filename="../src/player/MpvView.cpp" line="342"/>
         <source>no subtitle</source>
         <translation>无字幕</translation>
     </message>
     <message>
-        <location filename="../src/player/MpvView.cpp" line="405"/>
+        <location filename="../src/player/MpvView.cpp" line="408"/>
         <source> ScreenShot saved</source>
         <translation> 截图已保存</translation>
     </message>
@@ -432,6 +554,29 @@
         <location filename="../qml/CustomUtils/RelevanceDialog.qml" line="46"/>
         <source>OK</source>
         <translation>确定</translation>
+    </message>
+</context>
+<context>
+    <name>TitleBar</name>
+    <message>
+        <location filename="../qml/TitleBar.qml" line="113"/>
+        <source>Unpin</source>
+        <translation>取消置顶</translation>
+    </message>
+    <message>
+        <location filename="../qml/TitleBar.qml" line="113"/>
+        <source>Pin to the top of the list</source>
+        <translation>置顶</translation>
+    </message>
+    <message>
+        <location filename="../qml/TitleBar.qml" line="136"/>
+        <source>About us</source>
+        <translation>关于我们</translation>
+    </message>
+    <message>
+        <location filename="../qml/TitleBar.qml" line="136"/>
+        <source>Settings</source>
+        <translation>设置</translation>
     </message>
 </context>
 <context>
@@ -476,9 +621,25 @@
 <context>
     <name>main</name>
     <message>
-        <location filename="../qml/main.qml" line="13"/>
+        <location filename="../qml/main.qml" line="34"/>
+        <location filename="../qml/main.qml" line="232"/>
         <source>Player</source>
         <translation>播放器</translation>
+    </message>
+    <message>
+        <location filename="../qml/main.qml" line="45"/>
+        <source>File does not exist</source>
+        <translation>文件不存在</translation>
+    </message>
+    <message>
+        <location filename="../qml/main.qml" line="304"/>
+        <source>Continue Playing</source>
+        <translation>继续播放</translation>
+    </message>
+    <message>
+        <location filename="../qml/main.qml" line="359"/>
+        <source>Are you sure you want to delete this video?</source>
+        <translation>确定要删除此视频吗？</translation>
     </message>
 </context>
 </TS>

@@ -1,20 +1,20 @@
 // Playback and history figures, measured the same way for Vidora's player view and for the
 // mpv command-line player. Run by bench/player/player_bench.sh inside an X server; not a test.
 //
-//   player_bench ttff vidora|mpv FILE         time from the load request to the first frame
-//                                             on the X screen (one run, milliseconds)
-//   player_bench cpu vidora|mpv FILE SECONDS  CPU used while playing (percent of one core)
-//   player_bench history ROWS FILE            history writes at load and stop, GUI thread
-//   player_bench composite SECONDS            CPU of the scene graph alone: a framebuffer item
-//                                             that only clears, redrawn at 30 fps
+//   player_bench ttff PLAYER FILE          time from the load request to the first frame on
+//                                          the X screen (one run, milliseconds)
+//   player_bench cpu PLAYER FILE SECONDS   CPU and frame counts while playing
+//   player_bench history ROWS FILE         history writes at load and stop, GUI thread
 //
-// Both players get a 1280x720 window at the screen's top-left corner, no audio output and
-// software decoding. "First frame" is the moment a watched pixel of the window turns from
-// black to the picture, read from the X server by a thread with its own connection.
-// Windows get the program's format (no depth or stencil buffer); BENCH_DEPTH=1 restores Qt's
-// default, BENCH_BLEND=1 makes the "composite" item blend as a plain framebuffer item does,
-// BENCH_MPV="option=value ..." gives both players the same extra mpv options. Step timings
-// and per-thread CPU go to the error stream.
+// PLAYER is "vidora" (MpvView alone in a bare QQuickWindow with the program's window format),
+// "mpv" (the command-line player on the renderer libmpv gives Vidora: --vo=gpu, which on a
+// software renderer needs --gpu-sw) or "mpv-auto" (the command-line player's own choice of
+// video output, which on this machine is SDL's renderer). All get a 1280x720 window at the
+// screen's top-left corner, no audio output, software decoding and no user config;
+// BENCH_MPV="option=value ..." gives all of them the same extra options. "First frame" is the
+// moment a watched pixel of the window turns from black to the picture, read from the X
+// server by a thread with its own connection. Step timings, per-thread CPU and libmpv's own
+// render pass timings go to the error stream; the result is the last line on stdout.
 #include "MpvView.h"
 #include "SqlHelper.h"
 
@@ -22,15 +22,13 @@
 #include <QElapsedTimer>
 #include <QFile>
 #include <QGuiApplication>
+#include <QJsonDocument>
+#include <QJsonObject>
 #include <QLocalSocket>
 #include <QMutex>
 #include <QOpenGLContext>
-#include <QOpenGLFramebufferObject>
-#include <QOpenGLFunctions>
 #include <QProcess>
 #include <QQuickWindow>
-#include <QSGGeometryNode>
-#include <QSGMaterial>
 #include <QSignalSpy>
 #include <QSurfaceFormat>
 #include <QTemporaryDir>
@@ -191,7 +189,7 @@ struct MpvCli
     QLocalSocket ipc;
     QString socketPath;
 
-    bool open(const QString& dir, bool loop)
+    bool open(const QString& player, const QString& dir, bool loop)
     {
         socketPath = dir + "/mpv.sock";
         QStringList args{"--no-config",
@@ -206,6 +204,8 @@ struct MpvCli
                          "--input-ipc-server=" + socketPath};
         if (loop)
             args << "--loop-file=inf";
+        if (player == "mpv")
+            args << "--vo=gpu" << "--gpu-sw=yes";
         for (const QString& option : qEnvironmentVariable("BENCH_MPV").split(' ', Qt::SkipEmptyParts))
             args << "--" + option;
         process.start("mpv", args);
@@ -229,6 +229,28 @@ struct MpvCli
         ipc.write(QStringLiteral("{\"command\":[\"loadfile\",\"%1\"]}\n").arg(file).toUtf8());
         ipc.flush();
     }
+    // A property's value over the IPC socket (events and other replies are skipped).
+    QVariant get(const QString& property)
+    {
+        const int id = ++m_requests;
+        ipc.write(QStringLiteral("{\"command\":[\"get_property\",\"%1\"],\"request_id\":%2}\n")
+                      .arg(property)
+                      .arg(id)
+                      .toUtf8());
+        ipc.flush();
+        QElapsedTimer timer;
+        timer.start();
+        while (timer.elapsed() < 3000) {
+            while (ipc.canReadLine()) {
+                const QJsonObject reply = QJsonDocument::fromJson(ipc.readLine()).object();
+                if (reply.value("request_id").toInt() == id)
+                    return reply.value("data").toVariant();
+            }
+            ipc.waitForReadyRead(100);
+        }
+        return {};
+    }
+    int m_requests = 0;
     ~MpvCli()
     {
         if (ipc.state() == QLocalSocket::ConnectedState) {
@@ -309,7 +331,7 @@ int timeToFirstFrame(const QString& player, const QString& file, const QString& 
         vidora.view->stop();
     } else {
         MpvCli mpv;
-        if (!mpv.open(dir, false))
+        if (!mpv.open(player, dir, false))
             return 2;
         watch.arm();
         mpv.load(file);
@@ -319,35 +341,64 @@ int timeToFirstFrame(const QString& player, const QString& file, const QString& 
     return ms < 0 ? 1 : 0;
 }
 
+// What one player did over the measured span: CPU time, per thread, and libmpv's frame counts.
+struct Sample
+{
+    double cpu = 0.0;
+    QMap<QString, double> threads;
+    qint64 frame = 0;          // estimated-frame-number: frames due so far, shown or not
+    qint64 dropped = 0;        // frame-drop-count: frames the video output skipped
+    qint64 decoderDropped = 0; // decoder-frame-drop-count
+    qint64 delayed = 0;        // vo-delayed-frame-count: frames shown late
+    int sceneFrames = 0;       // scene-graph frames rendered (Vidora)
+    int swaps = 0;             // of which presented on screen (Vidora)
+
+    template <typename Get>
+    static Sample take(qint64 pid, Get get, int sceneFrames, int swaps)
+    {
+        Sample s;
+        s.cpu = cpuSeconds(pid);
+        s.threads = cpuByThread(pid);
+        s.frame = get("estimated-frame-number").toLongLong();
+        s.dropped = get("frame-drop-count").toLongLong();
+        s.decoderDropped = get("decoder-frame-drop-count").toLongLong();
+        s.delayed = get("vo-delayed-frame-count").toLongLong();
+        s.sceneFrames = sceneFrames;
+        s.swaps = swaps;
+        return s;
+    }
+};
+
+// libmpv's own timings of its render passes (average per frame), from "vo-passes".
+QString passTimings(const QVariant& passes)
+{
+    QString text;
+    for (const QVariant& pass : passes.toMap().value("fresh").toList()) {
+        const QVariantMap map = pass.toMap();
+        text += QStringLiteral(" [%1] %2 ms;")
+                    .arg(map.value("desc").toString())
+                    .arg(map.value("avg").toDouble() / 1e6, 0, 'f', 2);
+    }
+    return text;
+}
+
 int cpuWhilePlaying(const QString& player, const QString& file, const QString& dir, int seconds)
 {
     PixelWatch watch;
     watch.start();
-    double used = 0.0;
+    std::atomic<int> sceneFrames{0}, swaps{0};
+    Sample before, after;
     double wall = 0.0;
-    QString drops;
-    std::atomic<int> swaps{0}; // frames the scene graph presented (Vidora only)
-    int swapsMeasured = -1;
-    auto measure = [&](qint64 pid) {
-        pause(2000); // past start-up and the first second of decoding
+    QString passes;
+    const auto measure = [&](qint64 pid, auto get) {
+        pause(4000); // past start-up, the first shaders and the first seconds of decoding
+        before = Sample::take(pid, get, sceneFrames, swaps);
         QElapsedTimer timer;
-        const double before = cpuSeconds(pid);
-        const QMap<QString, double> threadsBefore = cpuByThread(pid);
-        const int swapsBefore = swaps;
         timer.start();
         pause(seconds * 1000);
-        used = cpuSeconds(pid) - before;
+        after = Sample::take(pid, get, sceneFrames, swaps);
         wall = double(timer.elapsed()) / 1000.0;
-        if (player == "vidora")
-            swapsMeasured = swaps - swapsBefore;
-        const QMap<QString, double> threadsAfter = cpuByThread(pid);
-        QString threads;
-        for (auto it = threadsAfter.cbegin(); it != threadsAfter.cend(); ++it) {
-            const double share = 100.0 * (it.value() - threadsBefore.value(it.key())) / wall;
-            if (share >= 0.5)
-                threads += QStringLiteral(" %1 %2").arg(it.key()).arg(share, 0, 'f', 1);
-        }
-        std::fprintf(stderr, "threads, %% of a core:%s\n", qPrintable(threads));
+        passes = passTimings(get("vo-passes"));
     };
     if (player == "vidora") {
         Vidora vidora;
@@ -355,33 +406,50 @@ int cpuWhilePlaying(const QString& player, const QString& file, const QString& d
             return 2;
         vidora.view->setPropertyBlocking("loop-file", "inf");
         QObject::connect(
+            &vidora.window, &QQuickWindow::beforeRendering, vidora.view, [&] { ++sceneFrames; },
+            Qt::DirectConnection);
+        QObject::connect(
             &vidora.window, &QQuickWindow::frameSwapped, vidora.view, [&] { ++swaps; }, Qt::DirectConnection);
         watch.arm();
         vidora.view->loadFile(file);
         if (watch.waitMs(15000) < 0)
             return 1;
-        measure(QCoreApplication::applicationPid());
-        drops = vidora.view->getProperty("frame-drop-count").toString();
+        measure(QCoreApplication::applicationPid(), [&](const char* name) { return vidora.view->getProperty(name); });
         vidora.view->stop();
     } else {
         MpvCli mpv;
-        if (!mpv.open(dir, true))
+        if (!mpv.open(player, dir, true))
             return 2;
         watch.arm();
         mpv.load(file);
         if (watch.waitMs(15000) < 0)
             return 1;
-        measure(mpv.process.processId());
-        mpv.ipc.readAll();
-        mpv.ipc.write("{\"command\":[\"get_property\",\"frame-drop-count\"]}\n");
-        mpv.ipc.waitForReadyRead(1000);
-        drops = QString::fromUtf8(mpv.ipc.readAll()).trimmed();
+        measure(mpv.process.processId(), [&](const char* name) { return mpv.get(name); });
     }
-    if (swapsMeasured >= 0)
-        std::printf("%.1f %% (frame drops: %s, frames presented: %.1f/s)\n", 100.0 * used / wall,
-                    qPrintable(drops), swapsMeasured / wall);
-    else
-        std::printf("%.1f %% (frame drops: %s)\n", 100.0 * used / wall, qPrintable(drops));
+
+    QString threads;
+    for (auto it = after.threads.cbegin(); it != after.threads.cend(); ++it) {
+        const double share = 100.0 * (it.value() - before.threads.value(it.key())) / wall;
+        if (share >= 0.5)
+            threads += QStringLiteral(" %1 %2").arg(it.key()).arg(share, 0, 'f', 1);
+    }
+    std::fprintf(stderr, "threads, %% of a core:%s\n", qPrintable(threads));
+    std::fprintf(stderr, "libmpv passes:%s\n", qPrintable(passes));
+
+    const qint64 dropped = after.dropped - before.dropped;
+    const qint64 decoderDropped = after.decoderDropped - before.decoderDropped;
+    const double shown = double(after.frame - before.frame - dropped - decoderDropped);
+    const double cpu = after.cpu - before.cpu;
+    const auto rate = [&](int count) {
+        return player == "vidora" ? QString::number(count / wall, 'f', 1) : QStringLiteral("-");
+    };
+    // One line: CPU in % of a core, frames per second, frame counts over the span, and CPU
+    // milliseconds per frame shown (the figure that least depends on the machine's load).
+    std::printf("cpu %.1f shown/s %.1f presented/s %s scene-frames/s %s dropped %lld delayed %lld "
+                "decoder-dropped %lld cpu-ms/frame %.2f\n",
+                100.0 * cpu / wall, shown / wall, qPrintable(rate(after.swaps - before.swaps)),
+                qPrintable(rate(after.sceneFrames - before.sceneFrames)), dropped, after.delayed - before.delayed,
+                decoderDropped, shown > 0 ? 1000.0 * cpu / shown : 0.0);
     return 0;
 }
 
@@ -448,80 +516,12 @@ int historyWrites(int rows, const QString& file)
     return 0;
 }
 
-// What presenting a framebuffer item through the scene graph costs by itself: the share of
-// the player's CPU that the command-line player, drawing straight into its window, does not pay.
-class ClearRenderer : public QQuickFramebufferObject::Renderer
-{
-    void render() override
-    {
-        QOpenGLFunctions* gl = QOpenGLContext::currentContext()->functions();
-        gl->glClearColor(float(++m_frames % 2) * 0.5f, 0.2f, 0.3f, 1.0f);
-        gl->glClear(GL_COLOR_BUFFER_BIT);
-    }
-    QOpenGLFramebufferObject* createFramebufferObject(const QSize& size) override
-    {
-        return new QOpenGLFramebufferObject(size);
-    }
-    int m_frames = 0;
-};
-
-class ClearItem : public QQuickFramebufferObject
-{
-    Renderer* createRenderer() const override { return new ClearRenderer; }
-    // Opaque like the player's item, unless BENCH_BLEND is set.
-    QSGNode* updatePaintNode(QSGNode* node, UpdatePaintNodeData* data) override
-    {
-        node = QQuickFramebufferObject::updatePaintNode(node, data);
-        if (node && node->type() == QSGNode::GeometryNodeType && !qEnvironmentVariableIsSet("BENCH_BLEND")) {
-            auto* geometry = static_cast<QSGGeometryNode*>(node);
-            for (QSGMaterial* material : {geometry->material(), geometry->opaqueMaterial()})
-                if (material && material->flags().testFlag(QSGMaterial::Blending)) {
-                    material->setFlag(QSGMaterial::Blending, false);
-                    node->markDirty(QSGNode::DirtyMaterial);
-                }
-        }
-        return node;
-    }
-};
-
-int compositeOnly(int seconds)
-{
-    QQuickWindow window;
-    window.setGeometry(0, 0, kWidth, kHeight);
-    auto* item = new ClearItem;
-    item->setSmooth(false); // as the player's item
-    item->setParentItem(window.contentItem());
-    item->setSize(QSizeF(kWidth, kHeight));
-    window.show();
-    QTimer frames;
-    QObject::connect(&frames, &QTimer::timeout, item, &QQuickItem::update);
-    frames.start(33);
-    pause(2000);
-    const QMap<QString, double> threadsBefore = cpuByThread(QCoreApplication::applicationPid());
-    const double before = cpuSeconds(QCoreApplication::applicationPid());
-    QElapsedTimer timer;
-    timer.start();
-    pause(seconds * 1000);
-    const double used = cpuSeconds(QCoreApplication::applicationPid()) - before;
-    const QMap<QString, double> threadsAfter = cpuByThread(QCoreApplication::applicationPid());
-    QString threads;
-    for (auto it = threadsAfter.cbegin(); it != threadsAfter.cend(); ++it) {
-        const double share =
-            100.0 * (it.value() - threadsBefore.value(it.key())) / (double(timer.elapsed()) / 1000.0);
-        if (share >= 0.5)
-            threads += QStringLiteral(" %1 %2").arg(it.key()).arg(share, 0, 'f', 1);
-    }
-    std::fprintf(stderr, "threads, %% of a core:%s\n", qPrintable(threads));
-    std::printf("%.1f %%\n", 100.0 * used / (double(timer.elapsed()) / 1000.0));
-    return 0;
-}
-
 } // namespace
 
 int main(int argc, char* argv[])
 {
-    // The window format the program uses; BENCH_DEPTH=1 keeps Qt's default depth and stencil
-    // buffers to show what they cost.
+    // The window format the program uses. BENCH_DEPTH=1 keeps Qt's default depth and stencil
+    // buffers, with which the player draws its picture as a textured quad instead of copying it.
     if (!qEnvironmentVariableIsSet("BENCH_DEPTH")) {
         QSurfaceFormat format = QSurfaceFormat::defaultFormat();
         format.setDepthBufferSize(0);
@@ -553,9 +553,7 @@ int main(int argc, char* argv[])
         return cpuWhilePlaying(args.at(2), args.at(3), dir.path(), args.at(4).toInt());
     if (mode == "history" && args.size() == 4)
         return historyWrites(args.at(2).toInt(), args.at(3));
-    if (mode == "composite" && args.size() == 3)
-        return compositeOnly(args.at(2).toInt());
-    std::fprintf(stderr, "usage: player_bench ttff vidora|mpv FILE | cpu vidora|mpv FILE SECONDS | "
-                         "history ROWS FILE | composite SECONDS\n");
+    std::fprintf(stderr, "usage: player_bench ttff vidora|mpv|mpv-auto FILE | cpu vidora|mpv|mpv-auto FILE SECONDS | "
+                         "history ROWS FILE\n");
     return 2;
 }

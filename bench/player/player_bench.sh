@@ -3,52 +3,67 @@
 # generated 1080p file, in a private X server (software OpenGL), plus the history writes
 # made on the GUI thread. Run by hand after scripts/build.sh:
 #   bench/player/player_bench.sh [ROUNDS] [CPU_SECONDS]
-# Runs alternate between the two players so that load from other work on the machine hits
-# both alike; medians are reported.
+# Each round runs every player once, in the same order (first frame, then CPU), so load from
+# other work on the machine hits all of them alike; medians over the rounds are reported,
+# with the load average of each round. BENCH_MEDIA=FILE reuses a file instead of generating
+# one; BENCH_MPV="option=value ..." gives every player the same extra mpv options.
 set -euo pipefail
 root=$(cd "$(dirname "$0")/../.." && pwd)
 build=${BUILD_DIR:-$root/build}
 bench=$build/bench/player_bench
-rounds=${1:-7}
+rounds=${1:-5}
 cpu_seconds=${2:-10}
+players=${BENCH_PLAYERS:-vidora mpv mpv-auto}
 work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT
 
-media=$work/bench_1080p.mp4
-echo "generating 1080p H.264 test file (30 s, 30 fps, AAC)..." >&2
-ffmpeg -hide_banner -loglevel error -y -f lavfi -i testsrc2=s=1920x1080:r=30:d=30 -f lavfi -i sine=d=30 \
-  -c:v libx264 -preset medium -crf 20 -pix_fmt yuv420p -c:a aac "$media"
+media=${BENCH_MEDIA:-$work/bench_1080p.mp4}
+if [ ! -f "$media" ]; then
+  echo "generating 1080p H.264 test file (30 s, 30 fps, AAC)..." >&2
+  ffmpeg -hide_banner -loglevel error -y -f lavfi -i testsrc2=s=1920x1080:r=30:d=30 -f lavfi -i sine=d=30 \
+    -c:v libx264 -preset medium -crf 20 -pix_fmt yuv420p -c:a aac "$media"
+fi
 
-echo "load average before: $(cut -d' ' -f1-3 /proc/loadavg)"
-
-median() { sort -n | awk '{a[NR]=$1} END {if (NR%2) print a[(NR+1)/2]; else printf "%.1f\n", (a[NR/2]+a[NR/2+1])/2}'; }
-
-# Prints the run's last output line; its step timings and per-thread CPU (stderr) go to $work/err.
+median() { sort -n | awk '{a[NR]=$1} END {if (NR%2) print a[(NR+1)/2]; else printf "%.2f\n", (a[NR/2]+a[NR/2+1])/2}'; }
+# The value after KEY in a result line.
+field() { awk -v k="$1" '{for (i = 1; i < NF; i++) if ($i == k) print $(i + 1)}'; }
 run() { xvfb-run -a -s "-screen 0 1400x900x24 -br -nolisten tcp" "$bench" "$@" 2>"$work/err" | tail -1; }
-detail() { grep -E '^(steps|threads)' "$work/err" | sed 's/^/    /' || true; }
+detail() { grep -E '^(steps|threads|libmpv passes)' "$work/err" | sed 's/^/      /' || true; }
 
-: >"$work/ttff_vidora"; : >"$work/ttff_mpv"
-for i in $(seq "$rounds"); do
-  run ttff vidora "$media" >>"$work/ttff_vidora"
-  [ "$i" = "$rounds" ] && detail >"$work/steps"
-  run ttff mpv "$media" >>"$work/ttff_mpv"
+for round in $(seq "$rounds"); do
+  echo "round $round, load average $(cut -d' ' -f1-3 /proc/loadavg)"
+  for player in $players; do
+    ms=$(run ttff "$player" "$media")
+    echo "$ms" >>"$work/ttff_$player"
+    echo "  $player first frame: $ms ms"; detail
+  done
+  for player in $players; do
+    line=$(run cpu "$player" "$media" "$cpu_seconds")
+    echo "$line" >>"$work/cpu_$player"
+    echo "  $player: $line"; detail
+  done
 done
-echo "time to first frame, ms (each run): vidora $(paste -sd' ' "$work/ttff_vidora") | mpv $(paste -sd' ' "$work/ttff_mpv")"
-tv=$(median <"$work/ttff_vidora"); tm=$(median <"$work/ttff_mpv")
-echo "first frame, last Vidora run:"; cat "$work/steps"
-echo "time to first frame, median: vidora $tv ms, mpv $tm ms, ratio $(awk -v a="$tv" -v b="$tm" 'BEGIN{printf "%.2f", a/b}')"
 
-: >"$work/cpu_vidora"; : >"$work/cpu_mpv"
-for i in $(seq 3); do
-  line=$(run cpu vidora "$media" "$cpu_seconds"); echo "vidora cpu: $line"; detail; echo "${line%% *}" >>"$work/cpu_vidora"
-  line=$(run cpu mpv "$media" "$cpu_seconds"); echo "mpv cpu:    $line"; detail; echo "${line%% *}" >>"$work/cpu_mpv"
+echo
+echo "medians over $rounds rounds ($cpu_seconds s of playing each), load average now $(cut -d' ' -f1-3 /proc/loadavg):"
+printf '%-9s %9s %9s %8s %11s %13s %8s %8s %12s\n' player "first ms" "cpu %" "shown/s" "presented/s" "scene-frames/s" dropped delayed cpu-ms/frame
+for player in $players; do
+  printf '%-9s %9s' "$player" "$(median <"$work/ttff_$player")"
+  for key in cpu shown/s presented/s scene-frames/s dropped delayed cpu-ms/frame; do
+    values=$(field "$key" <"$work/cpu_$player")
+    if echo "$values" | grep -q '^-$'; then printf ' %9s' -; else printf ' %9s' "$(echo "$values" | median)"; fi
+  done
+  echo
 done
-cv=$(median <"$work/cpu_vidora"); cm=$(median <"$work/cpu_mpv")
-echo "CPU while playing 1080p, median: vidora $cv %, mpv $cm %, ratio $(awk -v a="$cv" -v b="$cm" 'BEGIN{printf "%.2f", a/b}')"
+if [ -f "$work/cpu_vidora" ] && [ -f "$work/cpu_mpv" ]; then
+  ratio() { awk -v a="$1" -v b="$2" 'BEGIN {printf "%.2f", a / b}'; }
+  tv=$(median <"$work/ttff_vidora"); tm=$(median <"$work/ttff_mpv")
+  cv=$(field cpu <"$work/cpu_vidora" | median); cm=$(field cpu <"$work/cpu_mpv" | median)
+  fv=$(field cpu-ms/frame <"$work/cpu_vidora" | median); fm=$(field cpu-ms/frame <"$work/cpu_mpv" | median)
+  echo "vidora / mpv on the same renderer: first frame $(ratio "$tv" "$tm")x, CPU $(ratio "$cv" "$cm")x, CPU per frame shown $(ratio "$fv" "$fm")x"
+fi
 
-echo "scene graph alone (framebuffer item that only clears, 30 fps): $(run composite "$cpu_seconds")"; detail
-echo "  the same, blended as a plain framebuffer item, with depth and stencil buffers: $(BENCH_BLEND=1 BENCH_DEPTH=1 run composite "$cpu_seconds")"; detail
-
-echo "history writes with a 10,000-row table:"
-xvfb-run -a -s "-screen 0 1400x900x24 -br -nolisten tcp" "$bench" history 10000 "$media" 2>/dev/null | grep -v '^\['
-echo "load average after: $(cut -d' ' -f1-3 /proc/loadavg)"
+if [ -z "${BENCH_SKIP_HISTORY:-}" ]; then
+  echo "history writes with a 10,000-row table:"
+  xvfb-run -a -s "-screen 0 1400x900x24 -br -nolisten tcp" "$bench" history 10000 "$media" 2>/dev/null | grep -v '^\['
+fi

@@ -97,4 +97,7 @@ QtObject {
     readonly property int fontLarge: 20               // file name, speed, "Continue Playing"
     readonly property int fontXLarge: 22              // "Open file" on the empty state
     readonly property int wavePointSize: 24
+
+    // ---- Main window screens ---------------------------------------------------------------
+    readonly property color lightMenu: "#ffffff"            // help pop-up body
 }

@@ -3,8 +3,13 @@
 #include "MpvRenderer.h"
 #include "MpvSession.h"
 
+#include "FramebufferBlitNode.h"
+
+#include <QOpenGLContext>
+#include <QQuickWindow>
 #include <QSGGeometryNode>
 #include <QSGMaterial>
+#include <QSGSimpleTextureNode>
 #include <QThread>
 
 MpvAbstractItem::MpvAbstractItem(QQuickItem* parent) : QQuickFramebufferObject(parent)
@@ -42,6 +47,15 @@ MpvAbstractItem::~MpvAbstractItem()
     m_session->releaseItem();
 }
 
+bool MpvAbstractItem::event(QEvent* event)
+{
+    if (event->type() == MpvSession::frameEventType()) {
+        update();
+        return true;
+    }
+    return QQuickFramebufferObject::event(event);
+}
+
 QQuickFramebufferObject::Renderer* MpvAbstractItem::createRenderer() const
 {
     return new MpvRenderer(const_cast<MpvAbstractItem*>(this));
@@ -50,25 +64,67 @@ QQuickFramebufferObject::Renderer* MpvAbstractItem::createRenderer() const
 QSGNode* MpvAbstractItem::updatePaintNode(QSGNode* node, UpdatePaintNodeData* data)
 {
     node = QQuickFramebufferObject::updatePaintNode(node, data);
+    auto* textureNode = dynamic_cast<QSGSimpleTextureNode*>(node);
+    if (!textureNode)
+        return node;
+
+    // Drawing the picture as a textured quad costs a fragment shader run per pixel where
+    // OpenGL runs in software; a framebuffer blit into the window is a memory copy. The quad
+    // stays wherever a blit cannot stand in for it.
+    FramebufferBlitNode* blit = nullptr;
+    for (QSGNode* child = textureNode->firstChild(); child && !blit; child = child->nextSibling())
+        blit = dynamic_cast<FramebufferBlitNode*>(child);
+    if (m_framebuffer && canBlitFramebuffer()) {
+        if (!blit) {
+            blit = new FramebufferBlitNode;
+            textureNode->appendChildNode(blit);
+        }
+        blit->setSource(m_framebuffer, m_framebufferSize, QRectF(0, 0, width(), height()));
+        textureNode->setRect(QRectF());
+        return node;
+    }
+    delete blit;
+
     // The base item presents its framebuffer as a texture with alpha, so the scene graph
     // blends it over what lies beneath. libmpv fills every pixel opaquely (bars included), so
     // the texture is drawn without blending, which spares software OpenGL a read of the
     // window per pixel. An item with opacity below 1 is still blended by the scene graph.
     // The base sets the flag again whenever it makes a new texture (on resize), hence the
     // check on each sync.
-    if (node && node->type() == QSGNode::GeometryNodeType) {
-        auto* geometry = static_cast<QSGGeometryNode*>(node);
-        bool changed = false;
-        for (QSGMaterial* material : {geometry->material(), geometry->opaqueMaterial()}) {
-            if (material && material->flags().testFlag(QSGMaterial::Blending)) {
-                material->setFlag(QSGMaterial::Blending, false);
-                changed = true;
-            }
+    bool changed = false;
+    for (QSGMaterial* material : {textureNode->material(), textureNode->opaqueMaterial()}) {
+        if (material && material->flags().testFlag(QSGMaterial::Blending)) {
+            material->setFlag(QSGMaterial::Blending, false);
+            changed = true;
         }
-        if (changed)
-            node->markDirty(QSGNode::DirtyMaterial);
     }
+    if (changed)
+        textureNode->markDirty(QSGNode::DirtyMaterial);
     return node;
+}
+
+bool MpvAbstractItem::canBlitFramebuffer() const
+{
+    // A blit neither blends nor tests depth or stencil: the window must draw strictly in
+    // order (no depth buffer), and the item must be opaque, axis-aligned and clipped by
+    // rectangles only (scissor, which blits honour). Scaling and mirroring are fine.
+    const QOpenGLContext* context = window() ? window()->openglContext() : nullptr;
+    if (!context || context->format().depthBufferSize() > 0)
+        return false;
+    const bool es = context->isOpenGLES();
+    if (context->format().majorVersion() < 3 && !(es && context->hasExtension("GL_NV_framebuffer_blit")))
+        return false;
+    for (const QQuickItem* item = this; item; item = item->parentItem()) {
+        if (item->opacity() < 1.0)
+            return false;
+        if (item == this || item->clip()) {
+            bool invertible = false;
+            const QTransform transform = item->itemTransform(nullptr, &invertible);
+            if (!invertible || transform.type() > QTransform::TxScale)
+                return false;
+        }
+    }
+    return true;
 }
 
 int MpvAbstractItem::setPropertyBlocking(const QString& property, const QVariant& value)

@@ -42,12 +42,20 @@ signals:
 protected:
     MpvController* controller() const { return m_controller; }
     QSGNode* updatePaintNode(QSGNode* node, UpdatePaintNodeData* data) override;
+    bool event(QEvent* event) override;
 
 private:
     friend class MpvRenderer;
+
+    // Whether the framebuffer can reach the window by a plain copy instead of a textured
+    // quad. Render thread, during sync.
+    bool canBlitFramebuffer() const;
 
     QThread* m_thread = nullptr;
     MpvController* m_controller = nullptr; // lives on m_thread, deleted when it finishes
     std::shared_ptr<MpvSession> m_session;
     bool m_readyEmitted = false; // written during sync only
+    // The renderer's framebuffer, recorded when it is made (during sync, render thread).
+    unsigned int m_framebuffer = 0;
+    QSize m_framebufferSize;
 };

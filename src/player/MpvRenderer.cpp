@@ -3,7 +3,9 @@
 #include "MpvAbstractItem.h"
 #include "MpvSession.h"
 
+#include <QOpenGLContext>
 #include <QOpenGLFramebufferObject>
+#include <QOpenGLFunctions>
 #include <QQuickWindow>
 
 MpvRenderer::MpvRenderer(MpvAbstractItem* item) : m_item(item), m_session(item->m_session) {}
@@ -27,7 +29,20 @@ QOpenGLFramebufferObject* MpvRenderer::createFramebufferObject(const QSize& size
         m_item->m_readyEmitted = true;
         QMetaObject::invokeMethod(m_item, "ready", Qt::QueuedConnection);
     }
-    return new QOpenGLFramebufferObject(size);
+    auto* fbo = new QOpenGLFramebufferObject(size);
+    QOpenGLContext* context = QOpenGLContext::currentContext();
+    if (context && !context->isOpenGLES()) {
+        // Asked for in the window's byte order (BGRA), the driver may store the picture as
+        // the window does, so that the copy into the window needs no conversion.
+        QOpenGLFunctions* gl = context->functions();
+        gl->glBindTexture(GL_TEXTURE_2D, fbo->texture());
+        gl->glTexImage2D(GL_TEXTURE_2D, 0, GL_RGBA, size.width(), size.height(), 0, GL_BGRA, GL_UNSIGNED_BYTE,
+                         nullptr);
+        gl->glBindTexture(GL_TEXTURE_2D, 0);
+    }
+    m_item->m_framebuffer = fbo->handle();
+    m_item->m_framebufferSize = fbo->size();
+    return fbo;
 }
 
 void MpvRenderer::render()

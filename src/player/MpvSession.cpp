@@ -1,6 +1,6 @@
 #include "MpvSession.h"
 
-#include <QMetaObject>
+#include <QCoreApplication>
 #include <QOpenGLContext>
 #include <QQuickItem>
 #include <mpv/render_gl.h>
@@ -18,6 +18,12 @@ void* procAddress(void*, const char* name)
 MpvSession::~MpvSession()
 {
     endCore();
+}
+
+QEvent::Type MpvSession::frameEventType()
+{
+    static const auto type = static_cast<QEvent::Type>(QEvent::registerEventType());
+    return type;
 }
 
 void MpvSession::attachItem(QQuickItem* item)
@@ -53,11 +59,13 @@ bool MpvSession::ensureRenderContext()
 
 void MpvSession::onUpdate(void* context)
 {
-    // Called on libmpv's threads: only post the redraw request to the GUI thread.
+    // Called on libmpv's threads: only post the redraw request to the GUI thread, ahead of
+    // the property reports queued there (a position report comes with nearly every frame),
+    // so that a new frame never waits behind them.
     auto* self = static_cast<MpvSession*>(context);
     std::lock_guard<std::mutex> lock(self->m_mutex);
     if (self->m_item)
-        QMetaObject::invokeMethod(self->m_item, "update", Qt::QueuedConnection);
+        QCoreApplication::postEvent(self->m_item, new QEvent(frameEventType()), Qt::HighEventPriority);
 }
 
 void MpvSession::render(unsigned int framebuffer, int width, int height)

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QEvent>
 #include <mpv/client.h>
 #include <mpv/render.h>
 #include <mutex>
@@ -25,8 +26,9 @@ public:
     MpvSession(const MpvSession&) = delete;
     MpvSession& operator=(const MpvSession&) = delete;
 
-    // GUI thread: the item that update() requests go to.
+    // GUI thread: the item that update() requests go to, as events of frameEventType().
     void attachItem(QQuickItem* item);
+    static QEvent::Type frameEventType();
 
     // Render thread, GL context current. Creates the render context if there is none (fatal
     // on failure). True when a context was created by this call.

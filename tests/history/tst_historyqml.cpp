@@ -15,10 +15,10 @@ class HistoryQmlTest : public QObject
     Q_OBJECT
 
 private slots:
-    void typesWorkFromQml();
+    void historyTypesWorkFromQml();
 };
 
-void HistoryQmlTest::typesWorkFromQml()
+void HistoryQmlTest::historyTypesWorkFromQml()
 {
     const QString dir = TestMedia::scratchDir("qml");
     QVERIFY(QDir::setCurrent(dir)); // the history database goes here

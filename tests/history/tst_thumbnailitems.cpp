@@ -24,7 +24,7 @@ private slots:
     void itemsDrawTheFrameUprightAndKeepItOnBadInput_data();
     void itemsDrawTheFrameUprightAndKeepItOnBadInput();
     void portraitFramesStandUpright();
-    void itemDestroyedDuringALoad();
+    void itemDestroyedDuringALoadDropsItsFrame();
 
 private:
     // The colour the preview shaders give a limited-range YUV triple (full-range coefficients
@@ -201,7 +201,7 @@ void ThumbnailItemsTest::portraitFramesStandUpright()
     }
 }
 
-void ThumbnailItemsTest::itemDestroyedDuringALoad()
+void ThumbnailItemsTest::itemDestroyedDuringALoadDropsItsFrame()
 {
     const QString loaded = "Thumbnail loaded: width=320";
     const int before = m_log.count(loaded);

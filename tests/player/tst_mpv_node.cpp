@@ -62,7 +62,7 @@ private slots:
             QCOMPARE(back.userType(), expected.userType());
     }
 
-    void scriptValuesAndUnknownFormats()
+    void scriptValuesConvertAndUnknownFormatsBecomeNothing()
     {
         // Values from QML are judged by what they hold.
         QJSEngine engine;

@@ -3,6 +3,8 @@
 #include "TestMedia.h"
 
 #include <QFile>
+#include <QQmlComponent>
+#include <QQmlEngine>
 #include <QQuickWindow>
 #include <QSignalSpy>
 #include <QtTest>
@@ -15,6 +17,8 @@ namespace {
 const QColor kRed(255, 0, 0);
 const QColor kBlue(0, 0, 255);
 const QColor kBlack(0, 0, 0);
+const QColor kGreen(0, 128, 0);
+const QColor kWhite(255, 255, 255);
 
 bool near(const QColor& a, const QColor& b)
 {
@@ -179,6 +183,57 @@ private slots:
         QVERIFY(near(image.pixelColor(320, 40), kRed) && near(image.pixelColor(320, 320), kBlue));
         QTRY_COMPARE(v->lastShownText(), QString("📷 ScreenShot saved"));
         v->stop();
+    }
+
+    // The picture inside a clipping parent, under another item: copied into the window where
+    // the window has no depth buffer and the item is opaque and axis-aligned, else drawn as a
+    // textured quad. Either way it must land upright in the same place, clipped, and stay
+    // beneath what is drawn after it.
+    void pictureLandsInPlaceCopiedOrDrawn_data()
+    {
+        QTest::addColumn<bool>("depthBuffer");
+        QTest::addColumn<qreal>("opacity");
+        QTest::addColumn<qreal>("rotation");
+        QTest::newRow("copied") << false << 1.0 << 0.0;
+        QTest::newRow("copied upside down") << false << 1.0 << 180.0;
+        QTest::newRow("drawn, translucent") << false << 0.99 << 0.0;
+        QTest::newRow("drawn, depth buffer") << true << 1.0 << 0.0;
+    }
+    void pictureLandsInPlaceCopiedOrDrawn()
+    {
+        QFETCH(bool, depthBuffer);
+        QFETCH(qreal, opacity);
+        QFETCH(qreal, rotation);
+        qmlRegisterType<MpvView>("PlayerTest", 1, 0, "MpvView");
+        QQuickWindow window;
+        QSurfaceFormat format = window.format();
+        format.setDepthBufferSize(depthBuffer ? 24 : 0);
+        format.setStencilBufferSize(depthBuffer ? 8 : 0);
+        window.setFormat(format);
+        window.resize(400, 300);
+        window.setColor(kGreen);
+        QQmlEngine engine;
+        QQmlComponent component(&engine);
+        // A 320x240 view shows the 16:9 picture between 30 px bars; the parent cuts it at 180.
+        component.setData("import QtQuick 2.15\nimport PlayerTest 1.0\n"
+                          "Item { Item { x: 40; y: 30; width: 320; height: 180; clip: true\n"
+                          "  MpvView { objectName: 'view'; width: 320; height: 240 } }\n"
+                          "Rectangle { x: 180; y: 60; width: 20; height: 20; color: 'white' } }",
+                          QUrl());
+        std::unique_ptr<QQuickItem> scene(qobject_cast<QQuickItem*>(component.create()));
+        QVERIFY2(scene, qPrintable(component.errorString()));
+        scene->setParentItem(window.contentItem());
+        auto* view = scene->findChild<MpvView*>("view");
+        view->setOpacity(opacity);
+        view->setRotation(rotation);
+        QSignalSpy initCompleted(view, &MpvView::initCompleted);
+        window.show();
+        QVERIFY(initCompleted.wait(10000));
+        view->loadFile(m_pattern);
+        const QColor top = rotation == 0.0 ? kRed : kBlue, bottom = rotation == 0.0 ? kBlue : kRed;
+        QVERIFY(showsColours(&window, {{{100, 90}, top}, {{100, 180}, bottom}, {{100, 250}, kGreen},
+                                       {{20, 90}, kGreen}, {{190, 70}, kWhite}, {{100, 50}, kBlack}}));
+        view->stop();
     }
 
     void historyFollowsLoadStopResumeAndEnd()

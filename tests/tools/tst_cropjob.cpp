@@ -56,6 +56,20 @@ private slots:
         QVERIFY(qAbs(TestMedia::seconds(out) - 10.0) < 0.15);
     }
 
+    // The seek lands on the key frame before the start; what lies between it and the start
+    // must not reach the output, in either stream.
+    void startBetweenKeyFramesKeepsNothingFromBeforeIt()
+    {
+        const QString in = path("sparse-keys.mp4");
+        QVERIFY(TestMedia::makeVideo(in, 8.0, 160, 120, 25, true, {"-g", "125", "-bf", "0"}));
+        const QString out = path("mid-gop.mp4");
+        QVERIFY(CommonTool().cropVideo(in, out, 2.4, 6.0));
+        // 2.4 s to 6.0 s at 25 frames a second, both ends included.
+        QCOMPARE(TestMedia::packetCount(out, "v:0"), 91);
+        const double audio = TestMedia::packetCount(out, "a:0") * 1024 / 44100.0;
+        QVERIFY2(qAbs(audio - 3.6) < 0.05, qPrintable(QString::number(audio)));
+    }
+
     // The clip of a portrait phone video keeps its display matrix, a mirror included.
     void portraitKeepsItsDisplayMatrix()
     {

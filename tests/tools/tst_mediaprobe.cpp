@@ -94,7 +94,7 @@ private slots:
         QCOMPARE(tool.getVideoDurationFromUrl(QUrl::fromLocalFile(odd)), 2.0);
     }
 
-    void unusualSources_data()
+    void unusualSourcesReportWhatTheyHold_data()
     {
         QTest::addColumn<QStringList>("make");
         QTest::addColumn<QVariantMap>("expected"); // a subset of the info
@@ -120,7 +120,7 @@ private slots:
              path("raw.h264")},
             {{"width", 160}}, 0.0);
     }
-    void unusualSources()
+    void unusualSourcesReportWhatTheyHold()
     {
         QFETCH(QStringList, make);
         QFETCH(QVariantMap, expected);
@@ -147,7 +147,7 @@ private slots:
     }
 
     // Text subtitles the MP4 family cannot hold are dropped with a warning; others are kept.
-    void subtitleStreams_data()
+    void subtitlesTheContainerCannotHoldAreDropped_data()
     {
         QTest::addColumn<QString>("codec");
         QTest::addColumn<QString>("input");
@@ -164,7 +164,7 @@ private slots:
         row("ass into mkv", "ass", "mkv", "o.mkv", "");
         row("mov_text into mov", "mov_text", "mp4", "o.mov", "");
     }
-    void subtitleStreams()
+    void subtitlesTheContainerCannotHoldAreDropped()
     {
         QFETCH(QString, codec);
         QFETCH(QString, input);

@@ -22,7 +22,7 @@ private:
     }
 
 private slots:
-    void referenceColours_data()
+    void studioColoursGiveTheirRgb_data()
     {
         QTest::addColumn<int>("y");
         QTest::addColumn<int>("u");
@@ -36,7 +36,7 @@ private slots:
         QTest::newRow("blue") << 41 << 240 << 110 << QColor(0, 0, 255);
         QTest::newRow("grey") << 126 << 128 << 128 << QColor(128, 128, 128);
     }
-    void referenceColours()
+    void studioColoursGiveTheirRgb()
     {
         QFETCH(int, y);
         QFETCH(int, u);
@@ -51,7 +51,7 @@ private slots:
                  qPrintable(QStringLiteral("got %1,%2,%3").arg(got.red()).arg(got.green()).arg(got.blue())));
     }
 
-    void exactIntegerFormula()
+    void everyTripleMatchesTheIntegerFormula()
     {
         // Every Y with every U and V, against the formula written out, including the extremes
         // that push each channel furthest past 0 and 255. One 256x2 frame per chroma pair, its

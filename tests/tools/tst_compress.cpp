@@ -34,7 +34,7 @@ private slots:
     // (FLV records both bit rates); numbers outside the table act as level 1. The source shapes
     // what comes out: an odd size is encoded one smaller, HEVC stays HEVC, and a source of
     // unknown bit rate (0) without audio leaves the quality factor alone and gives one stream.
-    void outputs_data()
+    void eachLevelGivesItsCodecQualityAndBitRate_data()
     {
         QTest::addColumn<QString>("source");
         QTest::addColumn<int>("level");
@@ -65,7 +65,7 @@ private slots:
         row("hevc", out("hevc.mkv"), 0, h264, "hevc", "", 0);
         row("bit rate 0, no audio", m_silent, 0, "stream=codec_type", "video", "rc=crf", 0);
     }
-    void outputs()
+    void eachLevelGivesItsCodecQualityAndBitRate()
     {
         QFETCH(QString, source);
         QFETCH(int, level);
@@ -134,7 +134,7 @@ private slots:
     // Asked before the start, a cancel stops the synchronous routine at its first check (it does
     // not clear the flag); the asynchronous one clears it first and runs to the end on the pool.
     // Asked midway, the job stops without flushing and writes no trailer.
-    void cancel()
+    void cancelEndsWithoutFlushOrTrailer()
     {
         JobRecorder rec(tool);
         LogCapture log;
@@ -172,7 +172,7 @@ private slots:
 
     // Failures end with false and the reason; a Matroska file cut short still opens and what
     // is there gets compressed.
-    void badInput_data()
+    void badInputsFailWithTheirReasonOrCompressWhatIsThere_data()
     {
         QTest::addColumn<QString>("input");
         QTest::addColumn<QString>("output");
@@ -202,7 +202,7 @@ private slots:
         row("unwritable output", m_h264, dir + "/no/such/dir/o8.mp4", "Could not open output file", true);
         row("truncated mkv", dir + "/cut.mkv", dir + "/o9.mkv", "", true);
     }
-    void badInput()
+    void badInputsFailWithTheirReasonOrCompressWhatIsThere()
     {
         QFETCH(QString, input);
         QFETCH(QString, output);

@@ -113,7 +113,7 @@ private slots:
         QCOMPARE(urlsOf(store.getVideoHistory(-1)), (QStringList{"a", "b", "c"}));
     }
 
-    void limitsDeleteAndClear()
+    void limitsDeletesAndClearSignalEveryChange()
     {
         SqlHelper store(path("limit.db"));
         for (int i = 0; i < 5; ++i)

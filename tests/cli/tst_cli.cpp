@@ -12,15 +12,17 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-// vidora-cli end to end: exit codes, stdout and stderr of every command, interruption by
-// signals and the progress display on a terminal.
+// vidora-cli end to end: exit codes, stdout and stderr of every command, the options of the
+// transcoding commands, interruption by signals and the progress display on a terminal.
 class TestCli : public QObject
 {
     Q_OBJECT
 
 private:
     QString m_dir;
+    QString m_source; // 160x120, 2 s at 25 fps, H.264 + AAC in Matroska: cheap to transcode
     QString path(const QString& name) const { return m_dir + "/" + name; }
+    static QString tagName() { return QString(QTest::currentDataTag()).replace(' ', '-'); }
 
     // Feeds long.mkv through a new FIFO to `program`: half, then `midway` (the test's moment to
     // act, the job certainly waiting for data), then the rest. The exit code, -1 when it hangs.
@@ -69,6 +71,8 @@ private slots:
                                      {"-g", "25", "-vf", "noise=alls=20:allf=t", "-preset", "ultrafast",
                                       "-crf", "28", "-c:a", "aac"}));
         QVERIFY(TestMedia::ffmpeg({"-f", "lavfi", "-i", "sine=duration=1", path("tone.m4a")}));
+        m_source = path("source.mkv");
+        QVERIFY(TestMedia::makeVideo(m_source, 2, 160, 120, 25, true, {"-c:v", "libx264", "-c:a", "aac"}));
     }
 
     void probePrintsOneJsonLine()
@@ -117,6 +121,21 @@ private slots:
               "OUT must not be one of the inputs");
         usage("thumbnail time", {"thumbnail", "a.mp4", "nan", "t.png"},
               "SECONDS is not a number of seconds: nan");
+        usage("compress over its input", {"compress", "a.mp4", "a.mp4"}, "OUT must not be the input file");
+        usage("compress level", {"compress", "a.mp4", "o.mp4", "--level", "high"},
+              "--level is not a whole number: high");
+        usage("convert without OUT", {"convert", "a.mp4"}, "convert takes IN and OUT");
+        usage("unknown codec", {"convert", "a.mp4", "o.mp4", "--codec", "nonsense"},
+              "unknown video codec: nonsense");
+        usage("audio name as video", {"convert", "a.mp4", "o.mp4", "--codec", "mp3"}, "unknown video codec: mp3");
+        usage("video name as audio", {"convert", "a.mp4", "o.mp4", "--audio-codec", "h264"},
+              "unknown audio codec: h264");
+        usage("negative width", {"convert", "a.mp4", "o.mp4", "--width", "-2"},
+              "--width must be a whole number from 0 to 16384: -2");
+        usage("fps not a number", {"convert", "a.mp4", "o.mp4", "--fps", "fast"},
+              "--fps must be a whole number from 0 to 1000: fast");
+        usage("bit rate too large", {"convert", "a.mp4", "o.mp4", "--bitrate", "99999999999"},
+              "--bitrate must be a whole number from 0 to 10000000: 99999999999");
         auto job = [](const char* tag, const QStringList& args, const QString& reason,
                       const QString& output) {
             QTest::newRow(tag) << args << 1 << "vidora-cli: error: " + reason << output;
@@ -139,6 +158,10 @@ private slots:
         job("thumbnail of audio", {"thumbnail", path("tone.m4a"), "0", path("t.png")}, "", path("t.png"));
         job("thumbnail unwritable", {"thumbnail", path("a.mp4"), "1", path("no/dir/t.png")},
             "Could not write image: " + path("no/dir/t.png") + "\n", "");
+        job("compress missing", {"compress", path("missing.mp4"), path("c.mp4")}, open + path("missing.mp4") + "\n",
+            path("c.mp4"));
+        job("no such audio encoder", {"convert", path("a.mp4"), path("f1.mp4"), "--audio-codec", "27"},
+            "Audio encoder not found for codec ID: 27\n", "");
     }
     void failuresExitWithTheirCodeAndReason()
     {
@@ -146,6 +169,7 @@ private slots:
         QFETCH(int, exitCode);
         QFETCH(QString, err);
         QFETCH(QString, output);
+        const qint64 inputSize = QFile(path("a.mp4")).size();
         const CliRun r = runCli(args, m_dir);
         QCOMPARE(r.exitCode, exitCode);
         QVERIFY2(r.err.startsWith(err), qPrintable(r.err));
@@ -153,6 +177,7 @@ private slots:
             QCOMPARE(r.err.count('\n'), 1);
         QCOMPARE(r.out, QString());
         QVERIFY(!QFile::exists(QDir(m_dir).absoluteFilePath(output)) || output.isEmpty());
+        QCOMPARE(QFile(path("a.mp4")).size(), inputSize);
     }
 
     void helpIsThereForTheProgramAndEachCommand()
@@ -213,13 +238,77 @@ private slots:
         QVERIFY(showSamePicture(png, path("portrait.mp4")));
     }
 
-    void signalsCancelAndWaitForACleanEnd_data()
+    // Without options convert remuxes; sizes, rate and bit rates go through the convert page's
+    // map: kbit/s on the command line.
+    void convertOptionsReachTheEncoders()
+    {
+        const QString remux = path("remux.mp4");
+        QCOMPARE(runCli({"convert", m_source, remux}).exitCode, 0);
+        QCOMPARE(TestMedia::packetSizes(remux, "v:0"), TestMedia::packetSizes(m_source, "v:0"));
+        QCOMPARE(TestMedia::packetSizes(remux, "a:0"), TestMedia::packetSizes(m_source, "a:0"));
+        const QString target = path("options.mp4");
+        const CliRun r =
+            runCli({"convert", m_source, target, "--codec", "h264", "--width", "321", "--height", "240",
+                    "--fps", "24", "--bitrate", "200", "--audio-codec", "mp3", "--audio-bitrate", "64"});
+        QCOMPARE(r.exitCode, 0);
+        QCOMPARE(TestMedia::probe(target, "stream=codec_name,width,height,r_frame_rate", "v:0"),
+                 QString("h264\n320\n240\n24/1"));
+        QCOMPARE(TestMedia::probe(target, "stream=codec_name", "a:0"), QString("mp3"));
+        const double audioRate = TestMedia::probe(target, "stream=bit_rate", "a:0").toDouble();
+        QVERIFY2(audioRate > 56000 && audioRate < 72000, qPrintable(QString::number(audioRate)));
+    }
+
+    void convertTakesPageNamesCodecIdsAndEncoderNames_data()
+    {
+        QTest::addColumn<QString>("option");
+        QTest::addColumn<QString>("value");
+        QTest::addColumn<QString>("codec");
+        const QList<QPair<QString, QString>> audio{{"copy", "aac"},   {"aac", "aac"},    {"mp3", "mp3"},
+                                                   {"flac", "flac"},  {"m4a", "aac"},    {"wav", "pcm_s16le"},
+                                                   {"ogg", "vorbis"}, {"86028", "flac"}, {"opus", "opus"}};
+        const QList<QPair<QString, QString>> video{
+            {"copy", "h264"}, {"hevc", "hevc"}, {"27", "h264"}, {"mpeg4", "mpeg4"}};
+        for (const auto& a : audio)
+            QTest::newRow(qPrintable("audio " + a.first)) << QString("--audio-codec") << a.first << a.second;
+        for (const auto& v : video)
+            QTest::newRow(qPrintable("video " + v.first)) << QString("--codec") << v.first << v.second;
+    }
+    void convertTakesPageNamesCodecIdsAndEncoderNames()
+    {
+        QFETCH(QString, option);
+        QFETCH(QString, value);
+        QFETCH(QString, codec);
+        const QString target = path("names-" + tagName() + ".mkv");
+        const CliRun r = runCli({"convert", m_source, target, option, value});
+        QVERIFY2(r.exitCode == 0, qPrintable(r.err));
+        QCOMPARE(TestMedia::probe(target, "stream=codec_name", option == "--codec" ? "v:0" : "a:0"), codec);
+        QVERIFY(TestMedia::decodeErrors(target).isEmpty());
+    }
+
+    void compressLevelChoosesTheQuality_data()
+    {
+        QTest::addColumn<QStringList>("options");
+        QTest::addColumn<QString>("crf");
+        QTest::newRow("default") << QStringList() << "crf=18.0";
+        QTest::newRow("2") << QStringList{"--level", "2"} << "crf=28.0";
+        QTest::newRow("9 acts as 1") << QStringList{"--level", "9"} << "crf=23.0";
+    }
+    void compressLevelChoosesTheQuality()
+    {
+        QFETCH(QStringList, options);
+        QFETCH(QString, crf);
+        const QString target = path("compress-" + tagName() + ".mkv");
+        QCOMPARE(runCli(QStringList{"compress", m_source, target} + options).exitCode, 0);
+        QVERIFY(TestMedia::fileBytes(target).contains(crf.toLatin1()));
+    }
+
+    void signalCancelsTheJobAndExitsWith130_data()
     {
         QTest::addColumn<int>("signalNumber");
         QTest::newRow("SIGINT") << int(SIGINT);
         QTest::newRow("SIGTERM") << int(SIGTERM);
     }
-    void signalsCancelAndWaitForACleanEnd()
+    void signalCancelsTheJobAndExitsWith130()
     {
         QFETCH(int, signalNumber);
         const QString out = path(QStringLiteral("interrupted-%1.mp4").arg(signalNumber));

@@ -99,7 +99,7 @@ private slots:
     // Input frame n fills the output slots [n * ratio, (n + 1) * ratio): doubling the rate
     // sends every frame twice, halving it drops every second one. Progress counts input
     // frames, once per slot.
-    void frameRateConversion_data()
+    void newFrameRateRepeatsOrDropsWholeFrames_data()
     {
         QTest::addColumn<QString>("source");
         QTest::addColumn<int>("fps");
@@ -110,7 +110,7 @@ private slots:
         QTest::newRow("30 to 15") << m_30fps << 15 << "input=30.00 -> output=15.00, ratio=0.500" << 1
                                   << "mp4";
     }
-    void frameRateConversion()
+    void newFrameRateRepeatsOrDropsWholeFrames()
     {
         QFETCH(QString, source);
         QFETCH(int, fps);
@@ -235,7 +235,7 @@ private slots:
     // A cancel from another thread lands wherever the job is: between frames the file is
     // left without its index, between packets it is finished. Either way: cancelled once,
     // then finished(false).
-    void cancelFromAnotherThread()
+    void cancelFromAnotherThreadEndsCancelledThenFailed()
     {
         // Long enough that the job is still running when the other thread gets its turn.
         const QString long10s = out("long.mkv");
