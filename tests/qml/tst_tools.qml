@@ -198,6 +198,17 @@ Item {
             compare(JSON.stringify(page.videoInfoMap()), JSON.stringify(
                         { codecId: 173, width: 1000, height: 563, fps: 60, bitrate: 4096,
                           audioCodecId: 65536, audioBitrate: 320 }))
+
+            // The job gets what the page shows: 360p H264 in mkv.
+            findChild(page, "resolutionBox").currentIndex = 1
+            findChild(page, "codecBox").currentIndex = 0
+            findChild(page, "audioBox").currentIndex = 0
+            page.saveDirectory = FileHelper.getFileAbsolutePath(toolMediaUrl)
+            window.startExport()
+            finished.wait(60000)
+            compare(finished.signalArguments[0][0], true)
+            var info = CommonTool.getVideoInfo(page.saveDirectory + "/tool 720p_export.mkv")
+            compare([info.codecId, info.width, info.height], [27, 640, 360])
         }
 
         function test_mergeStrip() {
@@ -218,6 +229,14 @@ Item {
             window.close()
             window.show()
             verify(!window.isRunning)
+
+            page.removeVideo(1)
+            page.openFiles([toolMediaUrl])
+            window.startExport()
+            page.exportTo(FileHelper.getUrlByPath(dir + "/merged"))   // the save dialog's answer
+            finished.wait(60000)
+            compare(finished.signalArguments[0][0], true)
+            fuzzyCompare(CommonTool.getVideoDuration(dir + "/merged.mp4"), 6, 0.2)
 
             page.removeVideo(1)
             page.removeVideo(0)
