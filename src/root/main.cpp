@@ -3,7 +3,9 @@
 #include "Logging.h"
 #include "QmlRegistration.h"
 #include "MprisService.h"
+#include "SignalWatcher.h"
 #include "SingleInstance.h"
+#include "SqlHelper.h"
 
 #include <QCoreApplication>
 #include <QDir>
@@ -61,6 +63,11 @@ int main(int argc, char* argv[])
     format.setStencilBufferSize(0);
     format.setSamples(0);
     QSurfaceFormat::setDefaultFormat(format);
+    // Qt holds every window update request back 5 ms to gather more; each new video frame
+    // would reach the screen that much later, the first one included. Updates made in one
+    // pass of the event loop are still drawn as one frame.
+    if (!qEnvironmentVariableIsSet("QT_QPA_UPDATE_IDLE_TIME"))
+        qputenv("QT_QPA_UPDATE_IDLE_TIME", "0");
     QGuiApplication app(argc, argv);
 
     const QStringList words = argumentsAfterProgram(argc, argv);
@@ -74,6 +81,10 @@ int main(int argc, char* argv[])
     QCoreApplication::setOrganizationDomain(QStringLiteral("vidora.org"));
 
     std::unique_ptr<QLocalServer> server(SingleInstance::listen(nullptr, handleCommandLineWords));
+    // A logout or a plain kill ends the player like closing its window: the playing file's
+    // resume point is saved and the history closed.
+    SignalWatcher stopSignals;
+    QObject::connect(&stopSignals, &SignalWatcher::interrupted, &app, [] { QCoreApplication::quit(); });
 
     // The shipped files (fonts, translation, mpvqt.conf) are then found by relative name.
     AppPaths::setCurrent(AppPaths::resolve(executableFolder(argv[0])));
@@ -127,6 +138,8 @@ int main(int argc, char* argv[])
 
     const int code = app.exec();
     engine.reset();
+    // The scene was the history's last user.
+    SqlHelper::closeInstance();
     font.reset();
     translator.reset();
     server.reset();
