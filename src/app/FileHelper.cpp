@@ -1,5 +1,7 @@
 #include "FileHelper.h"
 
+#include "ProcessWide.h"
+
 #include <QClipboard>
 #include <QCoreApplication>
 #include <QDesktopServices>
@@ -23,8 +25,7 @@ FileHelper::FileHelper(QObject* parent) : QObject(parent) {}
 
 FileHelper* FileHelper::instance()
 {
-    static FileHelper helper;
-    return &helper;
+    return &processWide<FileHelper>();
 }
 
 QString FileHelper::toLocalPath(const QString& filePath)
@@ -36,7 +37,7 @@ QString FileHelper::toLocalPath(const QString& filePath)
 
 QString FileHelper::getFileName(const QString& filePath) const { return QFileInfo(toLocalPath(filePath)).fileName(); }
 
-QString FileHelper::getFilePath(const QString& filePath) const { return toLocalPath(filePath); }
+QString FileHelper::getFilePath(const QString& filePath, bool) const { return toLocalPath(filePath); }
 
 bool FileHelper::isExists(const QString& filePath) const { return QFileInfo::exists(toLocalPath(filePath)); }
 
