@@ -319,6 +319,8 @@ void TestMainWindow::playListShowsCardsWithThumbnailsAndPinReorders()
     // A card plays its file, which then is the one the pin acts on.
     click(814, 189);
     QVERIFY(waitFor([&] { return selected(1); }));
+    // Drawn whole, though the open list clips its own content.
+    QVERIFY(waitFor([this] { return blueish(pixel(kVideoX, kVideoY)) && blueish(m_shot.pixel(600, 500)); }, 20000));
     setListOpen(false);
     click(812, 25);
     QVERIFY(waitFor([this] { return row(m_blue).value("is_top").toInt() == 1 && row(m_green).value("is_top").toInt() == 0; }));
