@@ -2,6 +2,10 @@
 #include "SqlHelper.h"
 #include "TestMedia.h"
 
+#include <QDBusConnection>
+#include <QDBusInterface>
+#include <QDBusReply>
+#include <QDBusVariant>
 #include <QDirIterator>
 #include <QElapsedTimer>
 #include <QProcess>
@@ -9,7 +13,9 @@
 #include <QtTest>
 
 // The program as a distribution ships it: installed with cmake into a prefix that is then
-// made read-only, started with a fresh HOME and no session bus, from another folder.
+// made read-only, started with a fresh HOME from another folder: first without a session bus,
+// then on the private one the suite gives this test, where the desktop's media controls step
+// through the history.
 class TestInstall : public QObject
 {
     Q_OBJECT
@@ -165,6 +171,33 @@ private slots:
 
         QCOMPARE(snapshot(), before);
         QVERIFY(!QFile::exists(paths.config)); // seeded only on the first change
+        first->kill();
+        first->waitForFinished();
+    }
+
+    void mediaControlsStepThroughTheHistory()
+    {
+        // The history now holds clip.mp4, then other.mp4.
+        QVERIFY2(QDBusConnection::sessionBus().isConnected(), "run under dbus-run-session");
+        m_env.insert("DBUS_SESSION_BUS_ADDRESS", qEnvironmentVariable("DBUS_SESSION_BUS_ADDRESS"));
+        const QString clip = m_root.filePath("clip.mp4");
+        QProcess* player = start({clip});
+        QDBusInterface properties("org.mpris.MediaPlayer2.vidora", "/org/mpris/MediaPlayer2",
+                                  "org.freedesktop.DBus.Properties");
+        QDBusInterface controls("org.mpris.MediaPlayer2.vidora", "/org/mpris/MediaPlayer2",
+                                "org.mpris.MediaPlayer2.Player");
+        const auto playing = [&] {
+            const QDBusReply<QDBusVariant> reply = properties.call("Get", "org.mpris.MediaPlayer2.Player", "Metadata");
+            if (!reply.isValid())
+                return QString();
+            return qdbus_cast<QVariantMap>(reply.value().variant().value<QDBusArgument>()).value("xesam:url").toString();
+        };
+        QTRY_COMPARE_WITH_TIMEOUT(playing(), QUrl::fromLocalFile(clip).toString(), 15000);
+        controls.call("Next");
+        QTRY_COMPARE_WITH_TIMEOUT(playing(), QUrl::fromLocalFile(m_root.filePath("other.mp4")).toString(), 10000);
+        controls.call("Previous");
+        QTRY_COMPARE_WITH_TIMEOUT(playing(), QUrl::fromLocalFile(clip).toString(), 10000);
+        QVERIFY(player->state() == QProcess::Running);
     }
 };
 
