@@ -1,6 +1,7 @@
 #include "AudioReencoder.h"
 
 #include "EncodeSteps.h"
+#include "MediaOpen.h"
 
 #include <algorithm>
 #include <climits>
@@ -30,19 +31,11 @@ bool AudioReencoder::open(const AVStream* input, AVFormatContext* output, int co
     m_input = input;
     m_output = output;
 
-    const AVCodec* decoder = avcodec_find_decoder(input->codecpar->codec_id);
-    if (!decoder) {
-        spdlog::error("Audio decoder not found");
-        return false;
-    }
-    m_decoder.reset(avcodec_alloc_context3(decoder));
-    if (!m_decoder || avcodec_parameters_to_context(m_decoder.get(), input->codecpar) < 0) {
-        spdlog::error("Failed to open audio decoder");
-        return false;
-    }
-    m_decoder->pkt_timebase = input->time_base;
-    if (avcodec_open2(m_decoder.get(), decoder, nullptr) < 0) {
-        spdlog::error("Failed to open audio decoder");
+    ff::OpenFailure failure;
+    m_decoder = ff::openDecoder(
+        input, [input](AVCodecContext* decoder) { decoder->pkt_timebase = input->time_base; }, &failure);
+    if (!m_decoder) {
+        spdlog::error(failure.missing ? "Audio decoder not found" : "Failed to open audio decoder");
         return false;
     }
     AVCodecContext* dec = m_decoder.get();

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "JobReporter.h"
 #include "VideoInfo.h"
 
 #include <QObject>
@@ -14,7 +15,7 @@
 // tools. Lives on the GUI thread; the *Async invokables hand the job to the ThreadPool and
 // return at once. Jobs emit the four signals from their pool thread (queued to receivers)
 // and read the one shared cancel flag, which is the only state shared with them.
-class CommonTool : public QObject
+class CommonTool : public QObject, public JobReporter
 {
     Q_OBJECT
 public:
@@ -22,8 +23,12 @@ public:
 
     static CommonTool* instance();
 
-    // Read by jobs once per loop step.
-    bool isCancelled() const { return m_cancel.load(); }
+    // The jobs' view of this service: the cancel flag and the four signals.
+    bool isCancelled() const override { return m_cancel.load(); }
+    void reportFrameTotal(int total) override { emit videoCompressionFrameTotal(total); }
+    void reportProgress(int progress) override { emit videoCompressionProgress(progress); }
+    void reportCancelled() override { emit videoCompressionCancelled(); }
+    void reportFinished(bool success) override { emit videoCompressionFinished(success); }
 
 signals:
     void videoCompressionProgress(int progress);

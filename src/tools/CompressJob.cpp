@@ -1,8 +1,9 @@
 #include "CompressJob.h"
 
-#include "CommonTool.h"
 #include "EncodeSession.h"
 #include "EncodeSteps.h"
+#include "JobReporter.h"
+#include "MediaOpen.h"
 
 extern "C" {
 #include <libavutil/opt.h>
@@ -41,7 +42,7 @@ struct CompressJob::Session : EncodeSession
     int64_t frameCounter = 0;
 };
 
-CompressJob::CompressJob(CommonTool& tool) : m_tool(tool) {}
+CompressJob::CompressJob(JobReporter& reporter) : m_reporter(reporter) {}
 
 bool CompressJob::run(const QString& inputPath, const QString& outputPath, int compressionLevel)
 {
@@ -53,7 +54,7 @@ bool CompressJob::run(const QString& inputPath, const QString& outputPath, int c
         if (prepare(s, inputPath, outputPath, compressionLevel)) {
             loopReached = true;
             const EncodeLoopEnd end = mainLoop(s);
-            if (end == EncodeLoopEnd::EndOfInput && !m_tool.isCancelled()) {
+            if (end == EncodeLoopEnd::EndOfInput && !m_reporter.isCancelled()) {
                 // The decoder is not drained: frames it still holds at the end of the input
                 // are not encoded (see configureDecoderThreads).
                 EncodeSteps::flushEncoder(s.videoEncoder.get(), s.output.get(), s.videoOut, s.encoded.get());
@@ -61,9 +62,9 @@ bool CompressJob::run(const QString& inputPath, const QString& outputPath, int c
             }
         }
     }
-    const bool success = loopReached && !m_tool.isCancelled();
+    const bool success = loopReached && !m_reporter.isCancelled();
     spdlog::info("Video compression completed: {}", success ? "success" : "failed");
-    emit m_tool.videoCompressionFinished(success);
+    m_reporter.reportFinished(success);
     return success;
 }
 
@@ -78,7 +79,7 @@ bool CompressJob::prepare(Session& s, const QString& inputPath, const QString& o
 
     int64_t total = 0;
     if (EncodeSteps::countVideoPackets(in, s.videoIndex, &total))
-        emit m_tool.videoCompressionFrameTotal(EncodeSteps::toSignalValue(total));
+        m_reporter.reportFrameTotal(EncodeSteps::toSignalValue(total));
 
     s.videoDecoder = EncodeSteps::openVideoDecoder(in->streams[s.videoIndex], "Failed to open video decoder");
     if (!s.videoDecoder)
@@ -145,11 +146,8 @@ bool CompressJob::openVideoEncoder(Session& s, double factor, int crf)
 bool CompressJob::openAudioCoders(Session& s, double factor)
 {
     AVStream* audioIn = s.input->streams[s.audioIndex];
-    const AVCodec* decoder = avcodec_find_decoder(audioIn->codecpar->codec_id);
-    if (decoder)
-        s.audioDecoder.reset(avcodec_alloc_context3(decoder));
-    if (!s.audioDecoder || avcodec_parameters_to_context(s.audioDecoder.get(), audioIn->codecpar) < 0 ||
-        avcodec_open2(s.audioDecoder.get(), decoder, nullptr) < 0) {
+    s.audioDecoder = ff::openDecoder(audioIn);
+    if (!s.audioDecoder) {
         spdlog::error("Failed to open audio decoder");
         return false;
     }
@@ -213,7 +211,7 @@ EncodeLoopEnd CompressJob::mainLoop(Session& s)
     AVFormatContext* in = s.input.get();
     AVPacket* packet = s.packet.get();
     for (;;) {
-        if (m_tool.isCancelled()) {
+        if (m_reporter.isCancelled()) {
             emitCancelled("Video compression cancelled by user");
             return EncodeLoopEnd::CancelledBetweenPackets;
         }
@@ -231,7 +229,7 @@ EncodeLoopEnd CompressJob::mainLoop(Session& s)
             EncodeSteps::copyPacket(in, s.output.get(), s.audioOut, packet);
         }
         av_packet_unref(packet);
-        if (m_tool.isCancelled()) {
+        if (m_reporter.isCancelled()) {
             emitCancelled("Video compression cancelled by user");
             return EncodeLoopEnd::CancelledBetweenPackets;
         }
@@ -243,7 +241,7 @@ bool CompressJob::encodeVideoPacket(Session& s)
     AVCodecContext* enc = s.videoEncoder.get();
     AVFrame* converted = s.converted.get();
     const auto cancelled = [this]() {
-        if (!m_tool.isCancelled())
+        if (!m_reporter.isCancelled())
             return false;
         emitCancelled("Video compression cancelled during frame processing");
         return true;
@@ -256,7 +254,7 @@ bool CompressJob::encodeVideoPacket(Session& s)
             EncodeSteps::writeEncodedPackets(
                 enc, s.output.get(), s.videoOut, s.encoded.get(), [this, &s](int64_t pts) {
                     spdlog::info("Video frame index:{} pts: {}", s.frameCounter, pts);
-                    emit m_tool.videoCompressionProgress(EncodeSteps::toSignalValue(s.frameCounter));
+                    m_reporter.reportProgress(EncodeSteps::toSignalValue(s.frameCounter));
                 });
         });
 }
@@ -264,5 +262,5 @@ bool CompressJob::encodeVideoPacket(Session& s)
 void CompressJob::emitCancelled(const char* message)
 {
     spdlog::info("{}", message);
-    emit m_tool.videoCompressionCancelled();
+    m_reporter.reportCancelled();
 }

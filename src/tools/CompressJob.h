@@ -2,17 +2,17 @@
 
 #include <QString>
 
-class CommonTool;
+class JobReporter;
 enum class EncodeLoopEnd;
 
 // Re-encodes the video with the input's own codec at one of three levels and carries the
 // first audio stream over. Runs on the calling thread (a pool thread for the async form),
-// reports through the tool's signals and reads its cancel flag. Owns all of its contexts;
+// reports through its JobReporter and reads its cancel flag. Owns all of its contexts;
 // they are released before the finished signal goes out, so receivers find the file closed.
 class CompressJob
 {
 public:
-    explicit CompressJob(CommonTool& tool);
+    explicit CompressJob(JobReporter& reporter);
     // Returns the value also sent with videoCompressionFinished.
     bool run(const QString& inputPath, const QString& outputPath, int compressionLevel);
 
@@ -27,5 +27,5 @@ private:
     bool encodeVideoPacket(Session& s);
     void emitCancelled(const char* message);
 
-    CommonTool& m_tool;
+    JobReporter& m_reporter;
 };

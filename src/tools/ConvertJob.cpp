@@ -1,7 +1,7 @@
 #include "ConvertJob.h"
 
 #include "AudioReencoder.h"
-#include "CommonTool.h"
+#include "JobReporter.h"
 #include "EncodeSession.h"
 #include "EncodeSteps.h"
 
@@ -24,7 +24,7 @@ struct ConvertJob::Session : EncodeSession
     int64_t copiedVideoPackets = 0;
 };
 
-ConvertJob::ConvertJob(CommonTool& tool) : m_tool(tool) {}
+ConvertJob::ConvertJob(JobReporter& reporter) : m_reporter(reporter) {}
 
 bool ConvertJob::run(const QString& inputPath, const QString& outputPath, const VideoInfo& request)
 {
@@ -40,11 +40,11 @@ bool ConvertJob::run(const QString& inputPath, const QString& outputPath, const 
                 flush(s);
                 av_write_trailer(s.output.get());
             }
-            result = !m_tool.isCancelled();
+            result = !m_reporter.isCancelled();
         }
     }
     spdlog::info("Video format conversion completed: {}", result ? "success" : "failed");
-    emit m_tool.videoCompressionFinished(result);
+    m_reporter.reportFinished(result);
     return result;
 }
 
@@ -64,7 +64,7 @@ bool ConvertJob::prepare(Session& s, const QString& inputPath, const QString& ou
         return false;
     int64_t total = 0;
     if (EncodeSteps::countVideoPackets(in, s.videoIndex, &total))
-        emit m_tool.videoCompressionFrameTotal(EncodeSteps::toSignalValue(total));
+        m_reporter.reportFrameTotal(EncodeSteps::toSignalValue(total));
     if (!EncodeSteps::writeHeader(s.output.get()))
         return false;
 
@@ -166,9 +166,9 @@ EncodeLoopEnd ConvertJob::mainLoop(Session& s)
     AVFormatContext* in = s.input.get();
     AVPacket* packet = s.packet.get();
     for (;;) {
-        if (m_tool.isCancelled()) {
+        if (m_reporter.isCancelled()) {
             spdlog::info("Video format conversion cancelled by user");
-            emit m_tool.videoCompressionCancelled();
+            m_reporter.reportCancelled();
             return EncodeLoopEnd::CancelledBetweenPackets;
         }
         const int ret = av_read_frame(in, packet);
@@ -185,7 +185,7 @@ EncodeLoopEnd ConvertJob::mainLoop(Session& s)
                 // A remux has no frames to count, so progress follows the copied packets on
                 // the same scale as the total.
                 if (++s.copiedVideoPackets % 10 == 0)
-                    emit m_tool.videoCompressionProgress(EncodeSteps::toSignalValue(s.copiedVideoPackets));
+                    m_reporter.reportProgress(EncodeSteps::toSignalValue(s.copiedVideoPackets));
             }
         } else if (packet->stream_index == s.audioIndex && s.audioOut) {
             if (s.audio)
@@ -201,10 +201,10 @@ bool ConvertJob::encodeVideoPacket(Session& s)
 {
     AVFrame* scaled = s.scaled.get();
     const auto cancelled = [this]() {
-        if (!m_tool.isCancelled())
+        if (!m_reporter.isCancelled())
             return false;
         spdlog::info("Video format conversion cancelled during frame processing");
-        emit m_tool.videoCompressionCancelled();
+        m_reporter.reportCancelled();
         return true;
     };
     const auto keepKeyFlag = [scaled](const AVFrame* frame) {
@@ -241,7 +241,7 @@ void ConvertJob::encodeFrameSlots(Session& s)
                 spdlog::debug("Duplicating frame {} (repeat {}/{})", n, j + 1, repeat);
         }
         // Progress counts input frames, the scale of the announced total, whatever the ratio.
-        emit m_tool.videoCompressionProgress(EncodeSteps::toSignalValue(s.inputFrames));
+        m_reporter.reportProgress(EncodeSteps::toSignalValue(s.inputFrames));
     }
 }
 

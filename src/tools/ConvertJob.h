@@ -4,18 +4,18 @@
 
 #include <QString>
 
-class CommonTool;
+class JobReporter;
 enum class EncodeLoopEnd;
 struct AVStream;
 
 // Writes the input into another container and, where asked, another codec, size, bit rate
-// or frame rate. Runs on the calling thread, reports through the tool's signals and reads
+// or frame rate. Runs on the calling thread, reports through its JobReporter and reads
 // its cancel flag. Owns all of its contexts; they are released before the finished signal
 // goes out, so receivers find the output file closed.
 class ConvertJob
 {
 public:
-    explicit ConvertJob(CommonTool& tool);
+    explicit ConvertJob(JobReporter& reporter);
     // Returns the value also sent with videoCompressionFinished.
     bool run(const QString& inputPath, const QString& outputPath, const VideoInfo& request);
 
@@ -32,5 +32,5 @@ private:
     void encodeFrameSlots(Session& s);
     void flush(Session& s);
 
-    CommonTool& m_tool;
+    JobReporter& m_reporter;
 };

@@ -1,6 +1,6 @@
 #include "CropJob.h"
 
-#include "CommonTool.h"
+#include "JobReporter.h"
 #include "FfmpegPtr.h"
 #include "MediaProbe.h"
 
@@ -41,7 +41,7 @@ int truncToInt(double value)
 
 } // namespace
 
-CropJob::CropJob(CommonTool& tool) : m_tool(tool) {}
+CropJob::CropJob(JobReporter& reporter) : m_reporter(reporter) {}
 
 bool CropJob::run(const QString& inputPath, const QString& outputPath, double startTime, double endTime)
 {
@@ -50,12 +50,12 @@ bool CropJob::run(const QString& inputPath, const QString& outputPath, double st
     // Written so that NaN fails too. Nothing has been opened yet, so nothing to report but this.
     if (!(startTime >= 0) || !(endTime > startTime)) {
         spdlog::error("Invalid time range: start={}, end={}", startTime, endTime);
-        emit m_tool.videoCompressionFinished(false);
+        m_reporter.reportFinished(false);
         return false;
     }
     const bool result = copyRange(inputPath, outputPath, startTime, endTime);
     spdlog::info("Video cropping completed: {}", result ? "success" : "failed");
-    emit m_tool.videoCompressionFinished(result);
+    m_reporter.reportFinished(result);
     return result;
 }
 
@@ -96,16 +96,16 @@ bool CropJob::copyRange(const QString& inputPath, const QString& outputPath, dou
         spdlog::warn("Could not seek to start time");
 
     // The progress scale assumes 25 frames a second whatever the real rate.
-    emit m_tool.videoCompressionFrameTotal(truncToInt((endTime - startTime) * 25.0));
+    m_reporter.reportFrameTotal(truncToInt((endTime - startTime) * 25.0));
 
     ff::PacketPtr packet = ff::makePacket();
     if (!packet)
         return false;
     int videoPackets = 0;
     while (av_read_frame(input.get(), packet.get()) >= 0) {
-        if (m_tool.isCancelled()) {
+        if (m_reporter.isCancelled()) {
             spdlog::info("Video crop operation cancelled by user");
-            emit m_tool.videoCompressionCancelled();
+            m_reporter.reportCancelled();
             av_packet_unref(packet.get());
             break;
         }
@@ -148,7 +148,7 @@ bool CropJob::copyRange(const QString& inputPath, const QString& outputPath, dou
             break;
         }
         if (isVideo && ++videoPackets % 10 == 0)
-            emit m_tool.videoCompressionProgress(videoPackets);
+            m_reporter.reportProgress(videoPackets);
         av_packet_unref(packet.get());
     }
 

@@ -2,15 +2,15 @@
 
 #include <QString>
 
-class CommonTool;
+class JobReporter;
 
 // Copies the packets of a time range into a new file without re-encoding. Runs on the
-// calling thread (a pool thread for the async form), reports through the tool's signals and
+// calling thread (a pool thread for the async form), reports through its JobReporter and
 // reads its cancel flag. Owns all of its contexts.
 class CropJob
 {
 public:
-    explicit CropJob(CommonTool& tool);
+    explicit CropJob(JobReporter& reporter);
     // Returns the value also sent with videoCompressionFinished.
     bool run(const QString& inputPath, const QString& outputPath, double startTime, double endTime);
 
@@ -19,5 +19,5 @@ private:
     // by their holders on every return.
     bool copyRange(const QString& inputPath, const QString& outputPath, double startTime, double endTime);
 
-    CommonTool& m_tool;
+    JobReporter& m_reporter;
 };

@@ -1,5 +1,6 @@
 #include "EncodeSteps.h"
 
+#include "MediaOpen.h"
 #include "StreamSideData.h"
 
 extern "C" {
@@ -103,22 +104,16 @@ bool findStreams(AVFormatContext* input, bool skipCoverArt, int* videoIndex, int
 
 ff::CodecContextPtr openVideoDecoder(AVStream* stream, const char* noDecoderMessage)
 {
-    const AVCodec* decoder = avcodec_find_decoder(stream->codecpar->codec_id);
-    if (!decoder) {
-        spdlog::error("{}", noDecoderMessage);
-        return nullptr;
-    }
-    ff::CodecContextPtr context(avcodec_alloc_context3(decoder));
-    if (!context || avcodec_parameters_to_context(context.get(), stream->codecpar) < 0) {
-        spdlog::error("Failed to open video decoder");
-        return nullptr;
-    }
-    context->pkt_timebase = stream->time_base;
-    configureDecoderThreads(context.get());
-    if (avcodec_open2(context.get(), decoder, nullptr) < 0) {
-        spdlog::error("Failed to open video decoder");
-        return nullptr;
-    }
+    ff::OpenFailure failure;
+    ff::CodecContextPtr context = ff::openDecoder(
+        stream,
+        [stream](AVCodecContext* decoder) {
+            decoder->pkt_timebase = stream->time_base;
+            configureDecoderThreads(decoder);
+        },
+        &failure);
+    if (!context)
+        spdlog::error("{}", failure.missing ? noDecoderMessage : "Failed to open video decoder");
     return context;
 }
 

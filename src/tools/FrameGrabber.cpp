@@ -2,6 +2,7 @@
 
 #include "DisplayOrientation.h"
 #include "FfmpegPtr.h"
+#include "MediaOpen.h"
 
 extern "C" {
 #include <libavutil/imgutils.h>
@@ -72,11 +73,8 @@ Grabbed packFrame(const AVFrame* frame, AVPixelFormat sourceFormat, int width, i
 
 Grabbed grabFrame(const QString& filePath, double seconds)
 {
-    AVFormatContext* raw = nullptr;
-    if (avformat_open_input(&raw, filePath.toUtf8().constData(), nullptr, nullptr) < 0)
-        return {};
-    ff::InputFormatPtr input(raw);
-    if (avformat_find_stream_info(input.get(), nullptr) < 0)
+    const ff::InputFormatPtr input = ff::openInput(filePath);
+    if (!input)
         return {};
 
     // Cover pictures count as video here: a music file's cover is its thumbnail.
@@ -88,12 +86,8 @@ Grabbed grabFrame(const QString& filePath, double seconds)
     if (!stream)
         return {};
 
-    const AVCodec* codec = avcodec_find_decoder(stream->codecpar->codec_id);
-    if (!codec)
-        return {};
-    ff::CodecContextPtr decoder(avcodec_alloc_context3(codec));
-    if (!decoder || avcodec_parameters_to_context(decoder.get(), stream->codecpar) < 0 ||
-        avcodec_open2(decoder.get(), codec, nullptr) < 0)
+    const ff::CodecContextPtr decoder = ff::openDecoder(stream);
+    if (!decoder)
         return {};
 
     // A cover picture is delivered once, queued at open; a seek would flush it away (and

@@ -1,5 +1,6 @@
 #include "MediaProbe.h"
 
+#include "MediaOpen.h"
 #include "StreamSideData.h"
 
 #include <cmath>
@@ -35,14 +36,13 @@ bool openInputFile(const QString& path, ff::InputFormatPtr& out)
 {
     out.reset();
     const QByteArray utf8 = path.toUtf8();
-    AVFormatContext* raw = nullptr;
-    if (avformat_open_input(&raw, utf8.constData(), nullptr, nullptr) < 0) {
-        spdlog::error("Could not open input file: {}", utf8.constData());
-        return false;
-    }
-    ff::InputFormatPtr context(raw);
-    if (avformat_find_stream_info(context.get(), nullptr) < 0) {
-        spdlog::error("Failed to retrieve input stream information");
+    ff::OpenFailure failure;
+    ff::InputFormatPtr context = ff::openInput(path, nullptr, &failure);
+    if (!context) {
+        if (failure.missing)
+            spdlog::error("Could not open input file: {}", utf8.constData());
+        else
+            spdlog::error("Failed to retrieve input stream information");
         return false;
     }
     av_dump_format(context.get(), 0, utf8.constData(), 0);
@@ -169,13 +169,8 @@ bool copyStreamLayout(AVFormatContext* input, AVFormatContext* output)
 
 double videoDuration(const QString& path)
 {
-    AVFormatContext* raw = nullptr;
-    if (avformat_open_input(&raw, path.toUtf8().constData(), nullptr, nullptr) < 0)
-        return 0.0;
-    ff::InputFormatPtr context(raw);
-    if (avformat_find_stream_info(context.get(), nullptr) < 0)
-        return 0.0;
-    if (context->duration == AV_NOPTS_VALUE)
+    const ff::InputFormatPtr context = ff::openInput(path);
+    if (!context || context->duration == AV_NOPTS_VALUE)
         return 0.0;
     return static_cast<double>(context->duration) / 1000000.0;
 }

@@ -1,8 +1,9 @@
 #include "MergeJob.h"
 
-#include "CommonTool.h"
 #include "DisplayOrientation.h"
 #include "FfmpegPtr.h"
+#include "JobReporter.h"
+#include "MediaOpen.h"
 #include "MediaProbe.h"
 
 #include <QDir>
@@ -29,11 +30,8 @@ struct InputSummary
 InputSummary summarize(const QString& path)
 {
     InputSummary summary;
-    AVFormatContext* raw = nullptr;
-    if (avformat_open_input(&raw, path.toUtf8().constData(), nullptr, nullptr) < 0)
-        return summary;
-    ff::InputFormatPtr input(raw);
-    if (avformat_find_stream_info(input.get(), nullptr) < 0)
+    const ff::InputFormatPtr input = ff::openInput(path);
+    if (!input)
         return summary;
     summary.readable = true;
     if (input->duration != AV_NOPTS_VALUE)
@@ -51,7 +49,7 @@ InputSummary summarize(const QString& path)
 
 } // namespace
 
-MergeJob::MergeJob(CommonTool& tool) : m_tool(tool) {}
+MergeJob::MergeJob(JobReporter& reporter) : m_reporter(reporter) {}
 
 QString MergeJob::listFilePath()
 {
@@ -63,17 +61,17 @@ bool MergeJob::run(const QVariantList& inputPaths, const QString& outputPath)
     spdlog::info("mergeVideos: {} input files -> {}", inputPaths.size(), outputPath.toStdString());
     if (inputPaths.isEmpty()) {
         spdlog::error("No input files provided");
-        emit m_tool.videoCompressionFinished(false);
+        m_reporter.reportFinished(false);
         return false;
     }
 
     const QString listPath = listFilePath();
     qint64 total = 0;
     if (!writeList(inputPaths, listPath, total)) {
-        emit m_tool.videoCompressionFinished(false);
+        m_reporter.reportFinished(false);
         return false;
     }
-    emit m_tool.videoCompressionFrameTotal(static_cast<int>(std::min<qint64>(total, INT_MAX)));
+    m_reporter.reportFrameTotal(static_cast<int>(std::min<qint64>(total, INT_MAX)));
 
     AVDictionary* rawOptions = nullptr;
     av_dict_set(&rawOptions, "f", "concat", 0);
@@ -84,7 +82,7 @@ bool MergeJob::run(const QVariantList& inputPaths, const QString& outputPath)
     ff::OutputFormatPtr output;
     if (!MediaProbe::createOutputContext(output, outputPath)) {
         QFile::remove(listPath);
-        emit m_tool.videoCompressionFinished(false);
+        m_reporter.reportFinished(false);
         return false;
     }
 
@@ -100,7 +98,7 @@ bool MergeJob::run(const QVariantList& inputPaths, const QString& outputPath)
         QFile::remove(outputPath);
     QFile::remove(listPath);
     spdlog::info("Video merging completed: {}", result ? "success" : "failed");
-    emit m_tool.videoCompressionFinished(result);
+    m_reporter.reportFinished(result);
     return result;
 }
 
@@ -164,16 +162,14 @@ bool MergeJob::writeList(const QVariantList& inputPaths, const QString& listPath
 bool MergeJob::concatenate(const QString& listPath, AVDictionary** options, AVFormatContext* output,
                            const QString& outputPath, bool& outputCreated)
 {
-    AVFormatContext* raw = nullptr;
     // No forced format: the "ffconcat version 1.0" header wins the probe.
-    const int opened = avformat_open_input(&raw, listPath.toUtf8().constData(), nullptr, options);
-    if (opened < 0) {
-        spdlog::error("Could not open concat demuxer: {}", ff::errorText(opened));
-        return false;
-    }
-    ff::InputFormatPtr input(raw);
-    if (avformat_find_stream_info(input.get(), nullptr) < 0) {
-        spdlog::error("Failed to retrieve input stream information");
+    ff::OpenFailure failure;
+    const ff::InputFormatPtr input = ff::openInput(listPath, options, &failure);
+    if (!input) {
+        if (failure.missing)
+            spdlog::error("Could not open concat demuxer: {}", ff::errorText(failure.code));
+        else
+            spdlog::error("Failed to retrieve input stream information");
         return false;
     }
     // The merged layout is the first file's, as the concat demuxer reports it.
@@ -214,10 +210,10 @@ bool MergeJob::copyPackets(AVFormatContext* input, AVFormatContext* output)
     bool result = true;
     int read = 0;
     while ((read = av_read_frame(input, packet.get())) >= 0) {
-        if (m_tool.isCancelled()) {
+        if (m_reporter.isCancelled()) {
             spdlog::info("Video merging operation cancelled by user");
             result = false;
-            emit m_tool.videoCompressionCancelled();
+            m_reporter.reportCancelled();
             av_packet_unref(packet.get());
             break;
         }
@@ -262,7 +258,7 @@ bool MergeJob::copyPackets(AVFormatContext* input, AVFormatContext* output)
             break;
         }
         if (isVideo && ++videoPackets % 10 == 0)
-            emit m_tool.videoCompressionProgress(videoPackets);
+            m_reporter.reportProgress(videoPackets);
         av_packet_unref(packet.get());
     }
     // The concat demuxer reports a later list entry it cannot open as a read error: that is

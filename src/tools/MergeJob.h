@@ -5,16 +5,16 @@
 
 struct AVDictionary;
 struct AVFormatContext;
-class CommonTool;
+class JobReporter;
 
 // Joins files end to end through the concat demuxer without re-encoding. Runs on the calling
-// thread (a pool thread for the async form), reports through the tool's signals and reads its
+// thread (a pool thread for the async form), reports through its JobReporter and reads its
 // cancel flag. Owns all of its contexts and the temporary list file, which it removes on every
 // path out.
 class MergeJob
 {
 public:
-    explicit MergeJob(CommonTool& tool);
+    explicit MergeJob(JobReporter& reporter);
     // Returns the value also sent with videoCompressionFinished.
     bool run(const QVariantList& inputPaths, const QString& outputPath);
 
@@ -33,5 +33,5 @@ private:
                      const QString& outputPath, bool& outputCreated);
     bool copyPackets(AVFormatContext* input, AVFormatContext* output);
 
-    CommonTool& m_tool;
+    JobReporter& m_reporter;
 };
