@@ -529,6 +529,8 @@ int main(int argc, char* argv[])
         format.setSamples(0);
         QSurfaceFormat::setDefaultFormat(format);
     }
+    if (!qEnvironmentVariableIsSet("QT_QPA_UPDATE_IDLE_TIME"))
+        qputenv("QT_QPA_UPDATE_IDLE_TIME", "0"); // as the program does
     QGuiApplication app(argc, argv);
     QStringList args = app.arguments();
     // Media paths are taken relative to the folder the bench was started from.

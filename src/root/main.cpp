@@ -61,6 +61,11 @@ int main(int argc, char* argv[])
     format.setStencilBufferSize(0);
     format.setSamples(0);
     QSurfaceFormat::setDefaultFormat(format);
+    // Qt holds every window update request back 5 ms to gather more; each new video frame
+    // would reach the screen that much later, the first one included. Updates made in one
+    // pass of the event loop are still drawn as one frame.
+    if (!qEnvironmentVariableIsSet("QT_QPA_UPDATE_IDLE_TIME"))
+        qputenv("QT_QPA_UPDATE_IDLE_TIME", "0");
     QGuiApplication app(argc, argv);
 
     const QStringList words = argumentsAfterProgram(argc, argv);
