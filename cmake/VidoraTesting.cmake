@@ -18,8 +18,23 @@ function(vidora_add_test)
   else()
     list(APPEND env "LIBGL_ALWAYS_SOFTWARE=1")
   endif()
+  # Sanitizer builds: reports stop the test; the suppressions cover the dependencies' own
+  # code only. Programs a test starts inherit the same settings.
+  set(supp ${PROJECT_SOURCE_DIR}/tests/sanitizers)
+  if(VIDORA_SANITIZE)
+    list(APPEND env "ASAN_OPTIONS=detect_leaks=1:abort_on_error=0:strict_string_checks=0"
+         "LSAN_OPTIONS=suppressions=${supp}/lsan.supp:print_suppressions=0"
+         "UBSAN_OPTIONS=print_stacktrace=1:halt_on_error=1:suppressions=${supp}/ubsan.supp")
+  endif()
+  if(VIDORA_TSAN)
+    list(APPEND env "TSAN_OPTIONS=suppressions=${supp}/tsan.supp:second_deadlock_stack=1:halt_on_error=0")
+  endif()
   if(NOT T_TIMEOUT)
     set(T_TIMEOUT 300)
+  endif()
+  # Instrumented code runs several times slower.
+  if(VIDORA_SANITIZE OR VIDORA_TSAN)
+    math(EXPR T_TIMEOUT "${T_TIMEOUT} * 3")
   endif()
   set_tests_properties(${T_NAME} PROPERTIES ENVIRONMENT "${env}" TIMEOUT ${T_TIMEOUT})
 endfunction()

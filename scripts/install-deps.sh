@@ -7,6 +7,8 @@ set -euo pipefail
 PACKAGES=(
   # toolchain
   build-essential cmake pkg-config git
+  # sanitizer builds and fuzzing: clang with its runtimes (libFuzzer), llvm-symbolizer
+  clang libclang-rt-14-dev llvm
   # Qt 5.15 and the QML modules the scene imports
   qtbase5-dev qtdeclarative5-dev qtquickcontrols2-5-dev qttools5-dev-tools qttools5-dev
   qml-module-qtquick2 qml-module-qtquick-controls2 qml-module-qtquick-templates2

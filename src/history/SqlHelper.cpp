@@ -5,7 +5,6 @@
 
 #include <QDir>
 #include <QFileInfo>
-
 #include <spdlog/spdlog.h>
 #include <sqlite3.h>
 
@@ -43,54 +42,90 @@ bool execute(sqlite3* db, const char* sql, std::string* error = nullptr)
     return rc == SQLITE_OK;
 }
 
+// Whether the database takes writes: a change inside a transaction that is rolled back. It
+// fails where the file or its folder cannot be written (the journal lives beside the file)
+// and on a file that is not a database. Another connection writing at this moment (busy,
+// locked) says nothing against the file.
+bool acceptsWrites(sqlite3* db, std::string* reason)
+{
+    if (!execute(db, "BEGIN IMMEDIATE")) {
+        const int code = sqlite3_errcode(db);
+        *reason = sqlite3_errmsg(db);
+        return code == SQLITE_BUSY || code == SQLITE_LOCKED;
+    }
+    const bool written = execute(db, "CREATE TABLE video_history_write_check (x)", reason);
+    execute(db, "ROLLBACK");
+    return written;
+}
+
+SqlHelper* g_instance = nullptr;
+
 } // namespace
+
+void SqliteCloser::operator()(sqlite3* db) const
+{
+    // Every statement is finalized by its holder, so nothing keeps the connection busy.
+    sqlite3_close(db);
+}
 
 SqlHelper* SqlHelper::instance()
 {
-    // Created on first use and kept to the end of the process; the QML engine never owns it.
-    static SqlHelper* helper = [] {
+    // Created on first use and kept to the end of the process (the QML engine never owns it);
+    // closeInstance() closes its connection at exit.
+    if (!g_instance) {
         const QString path = AppPaths::current().historyDatabase;
         QDir().mkpath(QFileInfo(path).absolutePath());
-        return new SqlHelper(path);
-    }();
-    return helper;
+        g_instance = new SqlHelper(path);
+    }
+    return g_instance;
+}
+
+void SqlHelper::closeInstance()
+{
+    if (g_instance)
+        g_instance->close();
 }
 
 SqlHelper::SqlHelper(const QString& databasePath, QObject* parent) : QObject(parent)
 {
-    sqlite3* db = nullptr;
-    const int rc = sqlite3_open(databasePath.toUtf8().constData(), &db);
+    sqlite3* raw = nullptr;
+    const int rc = sqlite3_open(databasePath.toUtf8().constData(), &raw);
+    // Even a failed open hands back a handle that must be closed.
+    m_db.reset(raw);
+    std::string reason;
     if (rc != SQLITE_OK) {
-        spdlog::debug("history store: cannot open {}: {}", databasePath.toStdString(),
-                      db ? sqlite3_errmsg(db) : sqlite3_errstr(rc));
-        // Even a failed open hands back a handle that must be closed.
-        sqlite3_close(db);
-        return;
+        reason = raw ? sqlite3_errmsg(raw) : sqlite3_errstr(rc);
+    } else {
+        execute(m_db.get(), "PRAGMA encoding = 'UTF-8'");
+        // Saves happen on the GUI thread at every load and stop. A write-ahead log synced only
+        // at checkpoints keeps them to a fraction of a millisecond instead of a disk flush
+        // each; after a power cut the newest saves may be lost, the database stays consistent.
+        execute(m_db.get(), "PRAGMA journal_mode = WAL");
+        execute(m_db.get(), "PRAGMA synchronous = NORMAL");
+        createSchema();
+        if (acceptsWrites(m_db.get(), &reason))
+            return;
     }
-    m_db = db;
-    execute(m_db, "PRAGMA encoding = 'UTF-8'");
-    // Saves happen on the GUI thread at every load and stop. A write-ahead log synced only at
-    // checkpoints keeps them to a fraction of a millisecond instead of a disk flush each;
-    // after a power cut the newest saves may be lost, the database stays consistent.
-    execute(m_db, "PRAGMA journal_mode = WAL");
-    execute(m_db, "PRAGMA synchronous = NORMAL");
-    createSchema();
+    // Playback does not depend on the history: carry on without it, and say so once.
+    spdlog::error("Playback history is off: cannot write {}: {}",
+                  QFileInfo(databasePath).absoluteFilePath().toStdString(), reason);
+    m_db.reset();
 }
 
-SqlHelper::~SqlHelper()
+void SqlHelper::close()
 {
-    sqlite3_close(m_db);
+    m_db.reset();
 }
 
 void SqlHelper::createSchema()
 {
-    if (!execute(m_db, kCreateTable))
+    if (!execute(m_db.get(), kCreateTable))
         return;
     for (const char* migration : kMigrations) {
         std::string error;
         // "duplicate column name" is the normal answer of an up-to-date table; any other
         // failure is tolerated as well, and the next migration still runs.
-        if (!execute(m_db, migration, &error) && error.find("duplicate column name") == std::string::npos)
+        if (!execute(m_db.get(), migration, &error) && error.find("duplicate column name") == std::string::npos)
             spdlog::debug("history store: migration left undone: {}", error);
     }
 }
@@ -113,7 +148,7 @@ bool SqlHelper::saveVideoInfo(const QString& url, const QString& filename, doubl
     sql += "thumbnail_width=excluded.thumbnail_width, thumbnail_height=excluded.thumbnail_height, ";
     sql += "last_played=CURRENT_TIMESTAMP, play_count=play_count+1";
 
-    SqlStatement statement(m_db, sql.c_str());
+    SqlStatement statement(m_db.get(), sql.c_str());
     if (!statement.isValid())
         return false;
     statement.bindText(1, url);
@@ -127,7 +162,7 @@ bool SqlHelper::saveVideoInfo(const QString& url, const QString& filename, doubl
     statement.bindInt(6, thumbnailWidth);
     statement.bindInt(7, thumbnailHeight);
     if (statement.step() != SQLITE_DONE) {
-        spdlog::debug("history store: save of {} failed: {}", url.toStdString(), sqlite3_errmsg(m_db));
+        spdlog::debug("history store: save of {} failed: {}", url.toStdString(), sqlite3_errmsg(m_db.get()));
         return false;
     }
     emit dataChanged();
@@ -136,7 +171,7 @@ bool SqlHelper::saveVideoInfo(const QString& url, const QString& filename, doubl
 
 bool SqlHelper::deleteVideoByUrl(const QString& url)
 {
-    SqlStatement statement(m_db, "DELETE FROM video_history WHERE url = ?");
+    SqlStatement statement(m_db.get(), "DELETE FROM video_history WHERE url = ?");
     if (!statement.isValid())
         return false;
     statement.bindText(1, url);
@@ -149,9 +184,9 @@ bool SqlHelper::deleteVideoByUrl(const QString& url)
 bool SqlHelper::setVideoTop(const QString& url, bool top)
 {
     // At most one row is pinned: pinning first unpins every row.
-    if (top && !execute(m_db, "UPDATE video_history SET is_top = 0"))
+    if (top && !execute(m_db.get(), "UPDATE video_history SET is_top = 0"))
         return false;
-    SqlStatement statement(m_db, "UPDATE video_history SET is_top = ? WHERE url = ?");
+    SqlStatement statement(m_db.get(), "UPDATE video_history SET is_top = ? WHERE url = ?");
     if (!statement.isValid())
         return false;
     statement.bindInt(1, top ? 1 : 0);
@@ -164,7 +199,7 @@ bool SqlHelper::setVideoTop(const QString& url, bool top)
 
 double SqlHelper::getLastPosition(const QString& url)
 {
-    SqlStatement statement(m_db, "SELECT last_position FROM video_history WHERE url = ?");
+    SqlStatement statement(m_db.get(), "SELECT last_position FROM video_history WHERE url = ?");
     if (!statement.isValid())
         return 0.0;
     statement.bindText(1, url);
@@ -173,7 +208,7 @@ double SqlHelper::getLastPosition(const QString& url)
 
 double SqlHelper::getDuration(const QString& url)
 {
-    SqlStatement statement(m_db, "SELECT duration FROM video_history WHERE url = ?");
+    SqlStatement statement(m_db.get(), "SELECT duration FROM video_history WHERE url = ?");
     if (!statement.isValid())
         return 0.0;
     statement.bindText(1, url);
@@ -182,7 +217,7 @@ double SqlHelper::getDuration(const QString& url)
 
 QList<QVariantMap> SqlHelper::getVideoHistory(int limit)
 {
-    SqlStatement statement(m_db,
+    SqlStatement statement(m_db.get(),
                            "SELECT url, filename, last_position, duration, thumbnail, thumbnail_width, "
                            "thumbnail_height, last_played, play_count, is_top FROM video_history ORDER BY "
                            "is_top DESC, rowid ASC LIMIT ?");
@@ -209,7 +244,7 @@ QList<QVariantMap> SqlHelper::getVideoHistory(int limit)
 
 bool SqlHelper::clearHistory()
 {
-    if (!execute(m_db, "DELETE FROM video_history"))
+    if (!execute(m_db.get(), "DELETE FROM video_history"))
         return false;
     emit dataChanged();
     return true;

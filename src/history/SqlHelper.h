@@ -5,8 +5,15 @@
 #include <QObject>
 #include <QString>
 #include <QVariantMap>
+#include <memory>
 
 struct sqlite3;
+
+// Closes an SQLite connection; the store holds its connection through it.
+struct SqliteCloser
+{
+    void operator()(sqlite3* db) const;
+};
 
 // The playback history: one row per played URL in "video_history.db" (in the folder start-up
 // chose, see AppPaths). A process-wide singleton that owns one SQLite connection.
@@ -18,10 +25,18 @@ public:
     // Opens (and creates or migrates) the database on first call.
     static SqlHelper* instance();
 
-    // Opens the given file; the program uses instance(). A failed open leaves an object
-    // whose operations fail quietly (false, 0.0, empty list).
+    // Closes the singleton's connection if it was ever opened. The program calls it once the
+    // scene, the last user of the history, is gone; instance() stays valid, without history.
+    static void closeInstance();
+
+    // Opens the given file; the program uses instance(). A database that cannot be opened
+    // or written (a read-only folder, a file that is not a database) is closed again at once
+    // with one error line, leaving an object whose operations fail quietly (false, 0.0,
+    // empty list): no history rather than saves that fail one by one later.
     explicit SqlHelper(const QString& databasePath, QObject* parent = nullptr);
-    ~SqlHelper() override;
+
+    // Closes the connection; every later call fails quietly as after a failed open.
+    void close();
 
     Q_INVOKABLE bool saveVideoInfo(const QString& url, const QString& filename, double duration,
                                    double position, const QByteArray& thumbnail, int thumbnailWidth,
@@ -34,8 +49,8 @@ public:
     Q_INVOKABLE QList<QVariantMap> getVideoHistory(int limit);
     Q_INVOKABLE bool clearHistory();
 
-    // The open connection (null when opening failed).
-    sqlite3* connection() const { return m_db; }
+    // The open connection (null when opening failed or after close()).
+    sqlite3* connection() const { return m_db.get(); }
 
 signals:
     void dataChanged();
@@ -45,5 +60,5 @@ private:
     // Creates the table and adds the columns that older databases lack.
     void createSchema();
 
-    sqlite3* m_db = nullptr; // owned; null when the open failed
+    std::unique_ptr<sqlite3, SqliteCloser> m_db; // null when unusable or closed
 };

@@ -85,14 +85,16 @@ void MpvController::eventHandler()
             break;
         }
         case MPV_EVENT_START_FILE:
-            emit fileStarted();
+            emit fileStarted(static_cast<mpv_event_start_file*>(event->data)->playlist_entry_id);
             break;
         case MPV_EVENT_END_FILE: {
             const auto* end = static_cast<mpv_event_end_file*>(event->data);
             if (end->reason == MPV_END_FILE_REASON_EOF)
-                emit endFile(QStringLiteral("eof"));
+                emit endFile(QStringLiteral("eof"), end->playlist_entry_id);
             else if (end->reason == MPV_END_FILE_REASON_ERROR)
-                emit endFile(QStringLiteral("error"));
+                emit endFile(QStringLiteral("error"), end->playlist_entry_id);
+            else if (end->reason == MPV_END_FILE_REASON_REDIRECT && end->playlist_insert_num_entries > 0)
+                emit fileRedirected(end->playlist_entry_id, end->playlist_insert_id);
             break;
         }
         case MPV_EVENT_FILE_LOADED:
@@ -167,6 +169,18 @@ QVariant MpvController::runCommand(mpv_handle* handle, const QVariant& params)
     const QVariant value = MpvNode::toVariant(result);
     mpv_free_node_contents(&result);
     return value;
+}
+
+void MpvController::loadFile(const QString& path, quint64 token)
+{
+    const QVariant result = command(QVariantList{QStringLiteral("loadfile"), path});
+    if (result.userType() == qMetaTypeId<ErrorReturn>()) {
+        emit loadRefused(token, QString::fromUtf8(mpv_error_string(result.value<ErrorReturn>().error)));
+        return;
+    }
+    // Emitted before this thread can handle the entry's start event, so receivers on one
+    // thread always learn the id before they see it started.
+    emit fileQueued(token, result.toMap().value(QStringLiteral("playlist_entry_id"), -1).toLongLong());
 }
 
 void MpvController::commandAsync(const QVariant& params, int id)

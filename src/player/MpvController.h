@@ -36,9 +36,17 @@ signals:
     void propertyChanged(QString property, QVariant value);
     // The event is a copy: only event_id, error and reply_userdata stay meaningful.
     void asyncReply(QVariant data, mpv_event event);
-    void fileStarted();
+    // playlistEntryId: libmpv's id of the entry, as loadFile() reported it with fileQueued.
+    void fileStarted(qint64 playlistEntryId);
     void fileLoaded();
-    void endFile(QString reason);
+    void endFile(QString reason, qint64 playlistEntryId);
+    // The entry was a playlist or a folder: libmpv replaced it by the entries it holds, the
+    // first of which plays next.
+    void fileRedirected(qint64 playlistEntryId, qint64 firstInsertedEntryId);
+    // Answers to loadFile(), carrying the caller's token: the playlist entry libmpv made for
+    // the file, or libmpv's reason for refusing it.
+    void fileQueued(quint64 token, qint64 playlistEntryId);
+    void loadRefused(quint64 token, QString reason);
     void videoReconfig();
 
 public slots:
@@ -51,6 +59,10 @@ public slots:
     void getPropertyAsync(const QString& property, int id = 0);
     QVariant command(const QVariant& params);
     void commandAsync(const QVariant& params, int id = 0);
+    // "loadfile" for one file or URL, answered with fileQueued or loadRefused. A load may
+    // never start (a stop or another load can overtake it before libmpv opens it), so
+    // callers match start and end reports to the entry id rather than count loads.
+    void loadFile(const QString& path, quint64 token);
     mpv_handle* mpv() const { return m_mpv; }
 
 private slots:

@@ -84,7 +84,10 @@ MpvView::MpvView(QQuickItem* parent) : MpvAbstractItem(parent)
 {
     MpvController* mpv = controller();
     connect(mpv, &MpvController::propertyChanged, this, &MpvView::onPropertyChanged, Qt::QueuedConnection);
+    connect(mpv, &MpvController::fileQueued, this, &MpvView::onFileQueued, Qt::QueuedConnection);
+    connect(mpv, &MpvController::loadRefused, this, &MpvView::onLoadRefused, Qt::QueuedConnection);
     connect(mpv, &MpvController::fileStarted, this, &MpvView::onFileStarted, Qt::QueuedConnection);
+    connect(mpv, &MpvController::fileRedirected, this, &MpvView::onFileRedirected, Qt::QueuedConnection);
     connect(mpv, &MpvController::fileLoaded, this, &MpvView::fileLoaded, Qt::QueuedConnection);
     // The resume point is applied once the file is loaded: seeking is possible from then on.
     connect(mpv, &MpvController::fileLoaded, this, &MpvView::resumePlayback, Qt::QueuedConnection);
@@ -115,7 +118,7 @@ void MpvView::onPropertyChanged(const QString& property, const QVariant& value)
     const bool initial = !m_reported.contains(property);
     m_reported.insert(property);
     // Values that arrive before the current file has started belong to the previous one.
-    const bool current = m_pendingStarts == 0 && !m_currentUrl.isEmpty();
+    const bool current = m_started && !m_currentUrl.isEmpty();
 
     if (property == QLatin1String("time-pos")) {
         // An unavailable position (file ended) keeps the position reached.
@@ -416,10 +419,13 @@ void MpvView::loadFile(const QString& file)
     stop();
     m_currentUrl = url;
     resetPlaybackState();
-    ++m_pendingStarts;
     emit currentUrlChanged();
     const QUrl parsed(url);
-    emit command(QVariantList{QStringLiteral("loadfile"), parsed.isLocalFile() ? parsed.toLocalFile() : url});
+    const QString target = parsed.isLocalFile() ? parsed.toLocalFile() : url;
+    // Queued behind the "stop" above on the controller's thread, so the two keep their order.
+    QMetaObject::invokeMethod(
+        controller(), [mpv = controller(), target, token = ++m_loadToken] { mpv->loadFile(target, token); },
+        Qt::QueuedConnection);
     // The row exists from the start; an unknown position (-1) keeps a stored resume point.
     saveHistory(false);
 }
@@ -433,6 +439,9 @@ void MpvView::stop()
     // their order and the GUI never waits for libmpv to wind the file down.
     emit command(QVariantList{QStringLiteral("stop")});
     m_currentUrl.clear();
+    ++m_loadToken;
+    m_entryId = -1;
+    m_started = false;
     resetPlaybackState();
     emit currentUrlChanged();
 }
@@ -445,16 +454,40 @@ void MpvView::resetPlaybackState()
     emit durationChanged();
 }
 
-void MpvView::onFileStarted()
+void MpvView::onFileQueued(quint64 token, qint64 playlistEntryId)
 {
-    if (m_pendingStarts > 0)
-        --m_pendingStarts;
+    if (token == m_loadToken && !m_currentUrl.isEmpty())
+        m_entryId = playlistEntryId;
+}
+
+void MpvView::onLoadRefused(quint64 token, const QString& reason)
+{
+    if (token != m_loadToken || m_currentUrl.isEmpty())
+        return;
+    spdlog::error("libmpv refused to load {}: {}", m_currentUrl.toStdString(), reason.toStdString());
+    // Like a file that cannot be opened: its row keeps what it had and the next one may play.
+    endCurrentFile(false);
+}
+
+void MpvView::onFileStarted(qint64 playlistEntryId)
+{
+    if (m_entryId >= 0 && playlistEntryId == m_entryId)
+        m_started = true;
     emit fileStarted();
+}
+
+void MpvView::onFileRedirected(qint64 playlistEntryId, qint64 firstInsertedEntryId)
+{
+    // A folder or playlist plays as its first entry; the history row stays the one loaded.
+    if (m_entryId >= 0 && playlistEntryId == m_entryId) {
+        m_entryId = firstInsertedEntryId;
+        m_started = false;
+    }
 }
 
 void MpvView::resumePlayback()
 {
-    if (m_currentUrl.isEmpty() || m_pendingStarts > 0)
+    if (m_currentUrl.isEmpty() || !m_started)
         return;
     const double resumeAt = SqlHelper::instance()->getLastPosition(m_currentUrl);
     // The duration as reported so far (no blocking read while libmpv sets up the first frame);
@@ -467,12 +500,16 @@ void MpvView::resumePlayback()
     emit positionChanged();
 }
 
-void MpvView::onEndFile(const QString& reason)
+void MpvView::onEndFile(const QString& reason, qint64 playlistEntryId)
 {
-    // An end reported before the current file started belongs to a file already replaced.
-    if (m_currentUrl.isEmpty() || m_pendingStarts > 0)
+    // Ends of files already replaced are not this file's.
+    if (m_currentUrl.isEmpty() || !m_started || playlistEntryId != m_entryId)
         return;
-    const bool finished = reason == QLatin1String("eof");
+    endCurrentFile(reason == QLatin1String("eof"));
+}
+
+void MpvView::endCurrentFile(bool finished)
+{
     saveHistory(finished);
     // A file played to its end resumes from the start: stop()'s own save must not put the
     // end position back.

@@ -109,9 +109,14 @@ signals:
 private:
     void onReady();
     void onPropertyChanged(const QString& property, const QVariant& value);
-    void onFileStarted();
+    void onFileQueued(quint64 token, qint64 playlistEntryId);
+    void onLoadRefused(quint64 token, const QString& reason);
+    void onFileStarted(qint64 playlistEntryId);
+    void onFileRedirected(qint64 playlistEntryId, qint64 firstInsertedEntryId);
     void resumePlayback();
-    void onEndFile(const QString& reason);
+    void onEndFile(const QString& reason, qint64 playlistEntryId);
+    // The file has ended (finished: played to its end): history row, stop, playEnd.
+    void endCurrentFile(bool finished);
     void onScreenshotSaved(const QString& fileUrl);
     void saveHistory(bool finished);
     void showText(const QString& text);
@@ -133,9 +138,12 @@ private:
     ASPECT_RATIO m_aspectRatio = DEFAULT;
     QVariantList m_audioTracks;
     QVariantList m_subtitleTracks;
-    // Files handed to libmpv whose start has not been reported yet. Reports (positions, end
-    // of file) that arrive meanwhile belong to a file already replaced and are ignored.
-    int m_pendingStarts = 0;
+    // The current file's load request, libmpv's playlist entry for it (-1 until libmpv has
+    // answered) and whether that entry has started. Reports (positions, end of file) that
+    // arrive before it started belong to a file already replaced and are ignored.
+    quint64 m_loadToken = 0;
+    qint64 m_entryId = -1;
+    bool m_started = false;
     QSet<QString> m_reported;
     QString m_lastShownText;
 };

@@ -3,7 +3,9 @@
 #include "Logging.h"
 #include "QmlRegistration.h"
 #include "MprisService.h"
+#include "SignalWatcher.h"
 #include "SingleInstance.h"
+#include "SqlHelper.h"
 
 #include <QCoreApplication>
 #include <QDir>
@@ -79,6 +81,10 @@ int main(int argc, char* argv[])
     QCoreApplication::setOrganizationDomain(QStringLiteral("vidora.org"));
 
     std::unique_ptr<QLocalServer> server(SingleInstance::listen(nullptr, handleCommandLineWords));
+    // A logout or a plain kill ends the player like closing its window: the playing file's
+    // resume point is saved and the history closed.
+    SignalWatcher stopSignals;
+    QObject::connect(&stopSignals, &SignalWatcher::interrupted, &app, [] { QCoreApplication::quit(); });
 
     // The shipped files (fonts, translation, mpvqt.conf) are then found by relative name.
     AppPaths::setCurrent(AppPaths::resolve(executableFolder(argv[0])));
@@ -132,6 +138,8 @@ int main(int argc, char* argv[])
 
     const int code = app.exec();
     engine.reset();
+    // The scene was the history's last user.
+    SqlHelper::closeInstance();
     font.reset();
     translator.reset();
     server.reset();

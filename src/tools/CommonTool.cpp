@@ -10,6 +10,8 @@
 
 #include <QCoreApplication>
 #include <QThread>
+#include <algorithm>
+#include <cmath>
 
 CommonTool::CommonTool(QObject* parent) : QObject(parent) {}
 
@@ -38,7 +40,12 @@ void CommonTool::resetCancelState()
 
 QString CommonTool::formatTime(double ftime)
 {
-    const qint64 s = static_cast<qint64>(ftime);
+    // Labels are bound to durations that libmpv may report as NaN or infinite before a file
+    // is known; casting those (or anything beyond 64 bits) to an integer is undefined, so
+    // they show as 00:00:00 and huge values saturate.
+    qint64 s = 0;
+    if (std::isfinite(ftime))
+        s = static_cast<qint64>(std::clamp(ftime, -9.2e18, 9.2e18));
     const qint64 hours = s / 3600;
     const qint64 minutes = (s - hours * 3600) / 60;
     const qint64 seconds = s - (s / 60) * 60;

@@ -65,8 +65,7 @@ bool CropJob::copyRange(const QString& inputPath, const QString& outputPath, dou
     if (!MediaProbe::openInputFile(inputPath, input))
         return false;
     // An unknown duration clamps the end to 0, so nothing is copied.
-    const double duration =
-        input->duration == AV_NOPTS_VALUE ? 0.0 : static_cast<double>(input->duration) / 1000000.0;
+    const double duration = MediaProbe::containerSeconds(input.get());
     if (duration < endTime) {
         spdlog::warn("End time {} exceeds video duration {}, adjusting to video duration", endTime, duration);
         endTime = duration;

@@ -167,12 +167,17 @@ bool copyStreamLayout(AVFormatContext* input, AVFormatContext* output)
     return true;
 }
 
+double containerSeconds(const AVFormatContext* context)
+{
+    if (context->duration == AV_NOPTS_VALUE || context->duration < 0)
+        return 0.0;
+    return static_cast<double>(context->duration) / 1000000.0;
+}
+
 double videoDuration(const QString& path)
 {
     const ff::InputFormatPtr context = ff::openInput(path);
-    if (!context || context->duration == AV_NOPTS_VALUE)
-        return 0.0;
-    return static_cast<double>(context->duration) / 1000000.0;
+    return context ? containerSeconds(context.get()) : 0.0;
 }
 
 VideoInfo videoInfo(const QString& path, bool* ok)

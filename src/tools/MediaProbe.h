@@ -21,6 +21,10 @@ bool createOutputContext(ff::OutputFormatPtr& out, const QString& path);
 // stream after a dropped one land on its neighbour.
 bool copyStreamLayout(AVFormatContext* input, AVFormatContext* output);
 
+// The container's duration in seconds; 0.0 when unknown, and when a damaged header claims a
+// negative one (no caller has a use for a length below zero).
+double containerSeconds(const AVFormatContext* context);
+
 // Seconds, or 0.0 when the file cannot be opened or its duration is unknown.
 double videoDuration(const QString& path);
 

@@ -34,8 +34,7 @@ InputSummary summarize(const QString& path)
     if (!input)
         return summary;
     summary.readable = true;
-    if (input->duration != AV_NOPTS_VALUE)
-        summary.seconds = static_cast<double>(input->duration) / 1000000.0;
+    summary.seconds = MediaProbe::containerSeconds(input.get());
     for (unsigned i = 0; i < input->nb_streams; ++i) {
         const AVStream* stream = input->streams[i];
         if (stream->codecpar->codec_type == AVMEDIA_TYPE_VIDEO &&

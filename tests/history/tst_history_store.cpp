@@ -1,3 +1,4 @@
+#include "LogCapture.h"
 #include "SqlHelper.h"
 #include "TestMedia.h"
 
@@ -157,45 +158,73 @@ private slots:
         QCOMPARE(row.value("last_position").toDouble(), 13.0);
     }
 
-    void unusableDatabasesFailQuietly_data()
+    // Whatever makes the file unusable, the store says so once and keeps no history, rather
+    // than failing save after save later.
+    void unusableDatabasesTurnHistoryOffWithOneLine_data()
     {
         QTest::addColumn<QString>("kind");
-        for (const char* kind : {"missing folder", "not sqlite", "read-only"})
+        for (const char* kind : {"missing folder", "not sqlite", "read-only file", "unwritable folder"})
             QTest::newRow(kind) << QString(kind);
     }
 
-    void unusableDatabasesFailQuietly()
+    void unusableDatabasesTurnHistoryOffWithOneLine()
     {
         QFETCH(QString, kind);
-        QString file = path(QString(kind).replace(' ', '-') + ".db");
-        bool readable = false;
+        const QString folder = path(QString(kind).replace(' ', '-'));
+        QVERIFY(QDir().mkpath(folder));
+        QString file = folder + "/video_history.db";
         if (kind == "missing folder") {
-            file = m_dir + "/no/such/folder/x.db";
+            file = folder + "/no/such/folder/x.db";
         } else if (kind == "not sqlite") {
-            QFile garbage(file);
-            QVERIFY(garbage.open(QIODevice::WriteOnly));
-            garbage.write(QByteArray(4096, 'x'));
+            QVERIFY(TestMedia::writeFile(file, TestMedia::noise(4096)));
         } else {
             {
                 SqlHelper store(file);
                 QVERIFY(save(store, "u", 3.0));
             }
-            QVERIFY(QFile::setPermissions(file, QFile::ReadOwner | QFile::ReadUser));
-            // Root ignores file permissions; SQLite's read-only URI form gives the same connection.
-            if (geteuid() == 0)
-                file = "file:" + file + "?mode=ro";
-            readable = true;
+            if (kind == "read-only file") {
+                QVERIFY(QFile::setPermissions(file, QFile::ReadOwner | QFile::ReadUser));
+                // Root ignores file permissions; SQLite's read-only URI form gives the same connection.
+                if (geteuid() == 0)
+                    file = "file:" + file + "?mode=ro";
+            } else {
+                QVERIFY(QFile::setPermissions(folder, QFile::ReadOwner | QFile::ExeOwner));
+                // Root writes into any folder; folders in the places of the journal files
+                // fail SQLite's writes there just as a read-only folder does.
+                if (geteuid() == 0)
+                    for (const char* suffix : {"-journal", "-wal", "-shm"})
+                        QVERIFY(QDir().mkpath(file + suffix));
+            }
         }
+        LogCapture log(spdlog::level::debug);
         SqlHelper store(file);
-        if (readable && sqlite3_db_readonly(store.connection(), "main") != 1)
-            QSKIP("cannot get a read-only connection here");
+        QCOMPARE(log.lines(spdlog::level::err).size(), 1);
+        QVERIFY(log.lines(spdlog::level::err).at(0).startsWith("Playback history is off: cannot write"));
+        QCOMPARE(store.connection(), nullptr);
         QSignalSpy changed(&store, &SqlHelper::dataChanged);
         QVERIFY(!save(store, "u", 4.0, QByteArray("x"), 1));
         QVERIFY(!store.setVideoTop("u", true));
         QVERIFY(!store.clearHistory());
-        QCOMPARE(store.getLastPosition("u"), readable ? 3.0 : 0.0);
-        QCOMPARE(store.getVideoHistory(-1).size(), readable ? 1 : 0);
+        QCOMPARE(store.getLastPosition("u"), 0.0);
+        QVERIFY(store.getVideoHistory(-1).isEmpty());
         QCOMPARE(changed.count(), 0);
+        QCOMPARE(log.lines(spdlog::level::err).size(), 1);
+        QFile::setPermissions(folder, QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
+    }
+
+    // Closing releases the file (the last connection to a write-ahead-logged database removes
+    // its log) and leaves a store whose calls fail quietly; the rows are all in the file.
+    void closeReleasesTheFileAndLaterCallsFailQuietly()
+    {
+        const QString file = path("close.db");
+        SqlHelper store(file);
+        QVERIFY(save(store, "u", 7.0));
+        QVERIFY(QFile::exists(file + "-wal"));
+        store.close();
+        QVERIFY(!QFile::exists(file + "-wal"));
+        QVERIFY(!save(store, "u", 8.0));
+        QVERIFY(store.getVideoHistory(-1).isEmpty());
+        QCOMPARE(SqlHelper(file).getLastPosition("u"), 7.0);
     }
 };
 

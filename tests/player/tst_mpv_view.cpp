@@ -315,6 +315,25 @@ private slots:
         p.view->stop();
     }
 
+    // A load overtaken by the next before libmpv opened it never starts (quick clicks through
+    // the history do this); the files after it must still get their positions and ends. A
+    // folder plays as the file it holds.
+    void overtakenLoadsAndFoldersLeaveLaterFilesTracked()
+    {
+        Player p = open(320, 180);
+        MpvView* v = p.view;
+        QSignalSpy ended(v, &MpvView::playEnd);
+        const QString folder = m_dir + "/folder";
+        QVERIFY(QDir().mkpath(folder) && QFile::copy(m_short, folder + "/only.mp4"));
+        for (const QStringList& loads : {QStringList{m_pattern, m_short, m_pattern, m_short, m_pattern, m_short}, QStringList{folder}, QStringList{m_short}}) {
+            for (const QString& file : loads)
+                v->loadFile(file);
+            QTRY_VERIFY2_WITH_TIMEOUT(v->position() > 0.3, qPrintable(loads.last()), 10000);
+            QVERIFY(ended.wait(10000));
+            QCOMPARE(rowOf(url(loads.last())).value("last_position").toDouble(), 0.0);
+        }
+    }
+
     // The renderer outlives its item here; a broken option file must not stop the next view.
     void theViewCanGoWhileItsWindowStays()
     {

@@ -1,6 +1,8 @@
 #include "ToolTestSupport.h"
 
 #include <QThread>
+#include <cmath>
+#include <limits>
 #include <thread>
 
 // The service side of the tools: the time label, the cancel flag and the asynchronous
@@ -30,6 +32,9 @@ private slots:
         QTest::newRow("one minute") << 60.0 << "00:01:00";
         QTest::newRow("hour, minutes, seconds") << 3725.0 << "01:02:05";
         QTest::newRow("one hundred hours") << 360000.0 << "100:00:00";
+        QTest::newRow("not a number") << std::nan("") << "00:00:00";
+        QTest::newRow("infinite") << std::numeric_limits<double>::infinity() << "00:00:00";
+        QTest::newRow("beyond 64 bits") << 1e300 << "2555555555555555:33:20";
     }
     void formatTimeTruncatesAndPads()
     {

@@ -2,6 +2,8 @@
 #include "ToolTestSupport.h"
 
 #include <QUrl>
+#include <QtEndian>
+#include <cstring>
 
 namespace lvl = spdlog::level;
 
@@ -131,6 +133,26 @@ private slots:
         for (auto it = expected.cbegin(); it != expected.cend(); ++it)
             QVERIFY2(info.value(it.key()).toLongLong() == it.value().toLongLong(), qPrintable(it.key()));
         QVERIFY(qAbs(tool.getVideoDuration(make.last()) - duration) < 0.05);
+    }
+
+    // A damaged header can claim a negative length (the fuzzer found one); that is no length.
+    void negativeContainerDurationCountsAsUnknown()
+    {
+        const QString file = path("negative.mkv");
+        QVERIFY(TestMedia::ffmpeg({"-f", "lavfi", "-i", "testsrc=size=160x120:duration=1", "-pix_fmt", "yuv420p", file}));
+        QByteArray bytes = TestMedia::fileBytes(file);
+        // Matroska's Duration element: id 0x4489, then an 8-byte big-endian float.
+        const int at = bytes.indexOf(QByteArray("\x44\x89\x88", 3));
+        QVERIFY(at > 0);
+        const double negative = -5000.0;
+        quint64 raw = 0;
+        std::memcpy(&raw, &negative, sizeof raw);
+        qToBigEndian(raw, bytes.data() + at + 3);
+        QVERIFY(TestMedia::writeFile(file, bytes));
+        QVERIFY(TestMedia::seconds(file) < 0.0);
+        CommonTool tool;
+        QCOMPARE(tool.getVideoDuration(file), 0.0);
+        QCOMPARE(tool.getVideoInfo(file).value("width").toInt(), 160);
     }
 
     void unreadableFilesGiveEmptyInfoWithReason()
