@@ -1,5 +1,7 @@
 #include "FileHelper.h"
 
+#include "ProcessWide.h"
+
 #include <QClipboard>
 #include <QCoreApplication>
 #include <QDesktopServices>
@@ -23,8 +25,7 @@ FileHelper::FileHelper(QObject* parent) : QObject(parent) {}
 
 FileHelper* FileHelper::instance()
 {
-    static FileHelper helper;
-    return &helper;
+    return &processWide<FileHelper>();
 }
 
 QString FileHelper::toLocalPath(const QString& filePath)

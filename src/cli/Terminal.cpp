@@ -1,13 +1,14 @@
 #include "Terminal.h"
 
+#include "ProcessWide.h"
+
 #include <cerrno>
 #include <sys/ioctl.h>
 #include <unistd.h>
 
 Terminal& Terminal::instance()
 {
-    static Terminal terminal;
-    return terminal;
+    return processWide<Terminal>();
 }
 
 Terminal::Terminal() : m_interactive(isatty(STDERR_FILENO) == 1) {}

@@ -26,6 +26,7 @@ public:
     void clearBar();
 
 private:
+    template <typename T> friend T& processWide();
     Terminal();
     void writeAll(const std::string& bytes);
     void wipeBarLocked();

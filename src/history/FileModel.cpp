@@ -1,13 +1,14 @@
 #include "FileModel.h"
 
+#include "ProcessWide.h"
+
 #include <iterator>
 
 FileModel::FileModel(QObject* parent) : QAbstractListModel(parent) {}
 
 FileModel* FileModel::instance()
 {
-    static FileModel model;
-    return &model;
+    return &processWide<FileModel>();
 }
 
 int FileModel::rowCount(const QModelIndex& parent) const

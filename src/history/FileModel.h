@@ -23,7 +23,7 @@ public:
 
     explicit FileModel(QObject* parent = nullptr);
 
-    // Created on first call, kept for the life of the process.
+    // The process-wide instance (see ProcessWide.h).
     static FileModel* instance();
 
 signals:

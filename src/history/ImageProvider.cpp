@@ -3,16 +3,11 @@
 #include "CommonTool.h"
 #include "FileHelper.h"
 #include "GrabbedFrame.h"
+#include "ProcessWide.h"
 #include "ThreadPool.h"
 #include "YuvToRgb.h"
 
 #include <spdlog/spdlog.h>
-
-namespace {
-
-ImageProvider* g_instance = nullptr; // GUI thread only
-
-} // namespace
 
 ImageProvider::ImageProvider(QObject* parent)
     : QObject(parent), QQuickImageProvider(QQuickImageProvider::Image), m_gate(std::make_shared<Gate>())
@@ -26,15 +21,11 @@ ImageProvider::~ImageProvider()
         std::lock_guard<std::mutex> lock(m_gate->mutex);
         m_gate->owner = nullptr;
     }
-    if (g_instance == this)
-        g_instance = nullptr;
 }
 
 ImageProvider* ImageProvider::instance()
 {
-    if (!g_instance)
-        g_instance = new ImageProvider;
-    return g_instance;
+    return &processWide<ImageProvider>();
 }
 
 QString ImageProvider::keyFor(const QString& format, int index)

@@ -14,8 +14,8 @@
 // the delegate then shows "image://ImageProvider/" + key.
 //
 // One process-wide instance serves as the QML singleton ImageProvider and as the engine's
-// image provider "ImageProvider"; the engine owns it from then on and deletes it when it is
-// destroyed. Threads: the invokables run on the GUI thread, load jobs on the pool, and
+// image provider "ImageProvider" (through a stand-in, since an engine deletes its providers).
+// Threads: the invokables run on the GUI thread, load jobs on the pool, and
 // requestImage on the engine's image thread; the cache is guarded by m_cacheMutex.
 class ImageProvider : public QObject, public QQuickImageProvider
 {
@@ -26,7 +26,7 @@ public:
     // later drop their result.
     ~ImageProvider() override;
 
-    // Created on first call (GUI thread).
+    // The process-wide instance (see ProcessWide.h).
     static ImageProvider* instance();
 
     // The cache key of a row's picture, e.g. "CVideoCard3.png". The suffix is only part of

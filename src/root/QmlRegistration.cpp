@@ -7,6 +7,7 @@
 #include "ImageProvider.h"
 #include "MprisService.h"
 #include "MpvView.h"
+#include "ProcessWide.h"
 #include "SqlHelper.h"
 #include "ThumbnailItem.h"
 #include "VideoHistoryModel.h"
@@ -26,11 +27,18 @@ template <typename T> QObject* shared(T* instance)
     return instance;
 }
 
-ConfigHelper* configHelper()
+// The engine deletes its image providers with itself, so it gets a stand-in that asks the
+// process-wide provider, which outlives every engine. Runs on the engine's image thread; the
+// provider's cache takes its own lock.
+class SharedImageProvider : public QQuickImageProvider
 {
-    static ConfigHelper helper;
-    return &helper;
-}
+public:
+    SharedImageProvider() : QQuickImageProvider(QQuickImageProvider::Image) {}
+    QImage requestImage(const QString& id, QSize* size, const QSize& requestedSize) override
+    {
+        return ImageProvider::instance()->requestImage(id, size, requestedSize);
+    }
+};
 
 } // namespace
 
@@ -42,7 +50,7 @@ void registerQmlTypes()
     qmlRegisterSingletonType<FileModel>(kUri, 1, 0, "FileModel",
                                         [](QQmlEngine*, QJSEngine*) { return shared(FileModel::instance()); });
     qmlRegisterSingletonType<ConfigHelper>(kUri, 1, 0, "ConfigHelper",
-                                           [](QQmlEngine*, QJSEngine*) { return shared(configHelper()); });
+                                           [](QQmlEngine*, QJSEngine*) { return shared(&processWide<ConfigHelper>()); });
     qmlRegisterSingletonType<FileHelper>(
         kUri, 1, 0, "FileHelper", [](QQmlEngine*, QJSEngine*) { return shared(FileHelper::instance()); });
     qmlRegisterSingletonType<SqlHelper>(kUri, 1, 0, "SqlHelper",
@@ -69,8 +77,7 @@ void addModuleImportPath(QQmlEngine& engine)
 
 void finishEngineSetup(QQmlApplicationEngine& engine)
 {
-    // The engine owns its image providers from here on and deletes this one with itself.
-    engine.addImageProvider(QStringLiteral("ImageProvider"), ImageProvider::instance());
+    engine.addImageProvider(QStringLiteral("ImageProvider"), new SharedImageProvider);
     QQmlEngine::setObjectOwnership(CommonTool::instance(), QQmlEngine::CppOwnership);
     QQmlEngine::setObjectOwnership(ImageProvider::instance(), QQmlEngine::CppOwnership);
     QQmlEngine::setObjectOwnership(FileHelper::instance(), QQmlEngine::CppOwnership);

@@ -6,6 +6,7 @@
 #include "FrameGrabber.h"
 #include "MediaProbe.h"
 #include "MergeJob.h"
+#include "ProcessWide.h"
 #include "ThreadPool.h"
 
 #include <QCoreApplication>
@@ -17,15 +18,7 @@ CommonTool::CommonTool(QObject* parent) : QObject(parent) {}
 
 CommonTool* CommonTool::instance()
 {
-    // Never destroyed: pool tasks may still emit on it while static objects are torn down.
-    static CommonTool* tool = [] {
-        auto* created = new CommonTool;
-        // Receivers rely on the tool living on the application's thread, whoever asked first.
-        if (QCoreApplication* app = QCoreApplication::instance(); app && created->thread() != app->thread())
-            created->moveToThread(app->thread());
-        return created;
-    }();
-    return tool;
+    return &processWide<CommonTool>();
 }
 
 void CommonTool::cancelVideoOperation()
