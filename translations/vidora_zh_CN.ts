@@ -47,6 +47,233 @@
     </message>
 </context>
 <context>
+    <name>CClipWidget</name>
+    <message>
+        <location filename="../qml/CClipWidget.qml" line="21"/>
+        <source>No files selected</source>
+        <translation>未选择文件</translation>
+    </message>
+    <message>
+        <location filename="../qml/CClipWidget.qml" line="48"/>
+        <source>Please select a file to export</source>
+        <translation>请选择要导出的文件</translation>
+    </message>
+    <message>
+        <location filename="../qml/CClipWidget.qml" line="53"/>
+        <source>The file format is not supported!</source>
+        <translation>不支持该文件格式！</translation>
+    </message>
+    <message>
+        <location filename="../qml/CClipWidget.qml" line="57"/>
+        <source>Video files</source>
+        <translation>视频文件</translation>
+    </message>
+    <message>
+        <location filename="../qml/CClipWidget.qml" line="73"/>
+        <source>Save File to ...</source>
+        <translation>保存文件到...</translation>
+    </message>
+    <message>
+        <location filename="../qml/CClipWidget.qml" line="165"/>
+        <source>start</source>
+        <translation>开始</translation>
+    </message>
+    <message>
+        <location filename="../qml/CClipWidget.qml" line="166"/>
+        <source>duration</source>
+        <translation>时长</translation>
+    </message>
+    <message>
+        <location filename="../qml/CClipWidget.qml" line="167"/>
+        <source>end</source>
+        <translation>结束</translation>
+    </message>
+</context>
+<context>
+    <name>CCompressWidget</name>
+    <message>
+        <location filename="../qml/CCompressWidget.qml" line="22"/>
+        <source>Low</source>
+        <translation>低</translation>
+    </message>
+    <message>
+        <location filename="../qml/CCompressWidget.qml" line="22"/>
+        <source>Large file size, high quality</source>
+        <translation>文件较大，画质高</translation>
+    </message>
+    <message>
+        <location filename="../qml/CCompressWidget.qml" line="23"/>
+        <source>Medium</source>
+        <translation>中</translation>
+    </message>
+    <message>
+        <location filename="../qml/CCompressWidget.qml" line="23"/>
+        <source>Medium file size, medium quality</source>
+        <translation>文件中等，画质中等</translation>
+    </message>
+    <message>
+        <location filename="../qml/CCompressWidget.qml" line="24"/>
+        <source>High</source>
+        <translation>高</translation>
+    </message>
+    <message>
+        <location filename="../qml/CCompressWidget.qml" line="24"/>
+        <source>Small file size, lower quality</source>
+        <translation>文件较小，画质较低</translation>
+    </message>
+    <message>
+        <location filename="../qml/CCompressWidget.qml" line="29"/>
+        <source>No files selected</source>
+        <translation>未选择文件</translation>
+    </message>
+    <message>
+        <location filename="../qml/CCompressWidget.qml" line="43"/>
+        <source>Please select a file to compress</source>
+        <translation>请选择要压缩的文件</translation>
+    </message>
+    <message>
+        <location filename="../qml/CCompressWidget.qml" line="45"/>
+        <source>Please enter an output file name</source>
+        <translation>请输入输出文件名</translation>
+    </message>
+    <message>
+        <location filename="../qml/CCompressWidget.qml" line="46"/>
+        <source>Please select a directory to save the compressed file</source>
+        <translation>请选择保存压缩文件的目录</translation>
+    </message>
+    <message>
+        <location filename="../qml/CCompressWidget.qml" line="74"/>
+        <location filename="../qml/CCompressWidget.qml" line="144"/>
+        <source>Select a directory to save the compressed file</source>
+        <translation>选择保存压缩文件的目录</translation>
+    </message>
+    <message>
+        <location filename="../qml/CCompressWidget.qml" line="96"/>
+        <source>Compression Settings</source>
+        <translation>压缩设置</translation>
+    </message>
+    <message>
+        <location filename="../qml/CCompressWidget.qml" line="116"/>
+        <source>Output File Name</source>
+        <translation>输出文件名</translation>
+    </message>
+    <message>
+        <location filename="../qml/CCompressWidget.qml" line="121"/>
+        <source>Enter the name of the output file</source>
+        <translation>输入输出文件的名称</translation>
+    </message>
+    <message>
+        <location filename="../qml/CCompressWidget.qml" line="136"/>
+        <source>Save Directory</source>
+        <translation>保存目录</translation>
+    </message>
+    <message>
+        <location filename="../qml/CCompressWidget.qml" line="150"/>
+        <source>Change</source>
+        <translation>更改</translation>
+    </message>
+</context>
+<context>
+    <name>CConversionWidget</name>
+    <message>
+        <location filename="../qml/CConversionWidget.qml" line="29"/>
+        <source>original size</source>
+        <translation>原始尺寸</translation>
+    </message>
+    <message>
+        <location filename="../qml/CConversionWidget.qml" line="29"/>
+        <location filename="../qml/CConversionWidget.qml" line="179"/>
+        <source>Custom</source>
+        <translation>自定义</translation>
+    </message>
+    <message>
+        <location filename="../qml/CConversionWidget.qml" line="37"/>
+        <source>No files selected</source>
+        <translation>未选择文件</translation>
+    </message>
+    <message>
+        <location filename="../qml/CConversionWidget.qml" line="92"/>
+        <source>Please select a file to compress</source>
+        <translation>请选择要压缩的文件</translation>
+    </message>
+    <message>
+        <location filename="../qml/CConversionWidget.qml" line="94"/>
+        <source>Please enter an output file name</source>
+        <translation>请输入输出文件名</translation>
+    </message>
+    <message>
+        <location filename="../qml/CConversionWidget.qml" line="95"/>
+        <source>Please select a directory to save the compressed file</source>
+        <translation>请选择保存压缩文件的目录</translation>
+    </message>
+    <message>
+        <location filename="../qml/CConversionWidget.qml" line="123"/>
+        <location filename="../qml/CConversionWidget.qml" line="258"/>
+        <source>Select a directory to save the compressed file</source>
+        <translation>选择保存压缩文件的目录</translation>
+    </message>
+    <message>
+        <location filename="../qml/CConversionWidget.qml" line="140"/>
+        <source>Output</source>
+        <translation>输出</translation>
+    </message>
+    <message>
+        <location filename="../qml/CConversionWidget.qml" line="148"/>
+        <source>Video</source>
+        <translation>视频</translation>
+    </message>
+    <message>
+        <location filename="../qml/CConversionWidget.qml" line="173"/>
+        <source>Video encode</source>
+        <translation>视频编码</translation>
+    </message>
+    <message>
+        <location filename="../qml/CConversionWidget.qml" line="174"/>
+        <source>Video bitrate</source>
+        <translation>视频码率</translation>
+    </message>
+    <message>
+        <location filename="../qml/CConversionWidget.qml" line="175"/>
+        <source>Video framerate</source>
+        <translation>视频帧率</translation>
+    </message>
+    <message>
+        <location filename="../qml/CConversionWidget.qml" line="176"/>
+        <source>Resolution</source>
+        <translation>分辨率</translation>
+    </message>
+    <message>
+        <location filename="../qml/CConversionWidget.qml" line="225"/>
+        <source>Audio encode</source>
+        <translation>音频编码</translation>
+    </message>
+    <message>
+        <location filename="../qml/CConversionWidget.qml" line="226"/>
+        <source>Audio bitrate</source>
+        <translation>音频码率</translation>
+    </message>
+    <message>
+        <location filename="../qml/CConversionWidget.qml" line="229"/>
+        <source>Output File Name</source>
+        <translation>输出文件名</translation>
+    </message>
+    <message>
+        <location filename="../qml/CConversionWidget.qml" line="234"/>
+        <source>Enter the name of the output file</source>
+        <translation>输入输出文件的名称</translation>
+    </message>
+    <message>
+        <location filename="../qml/CConversionWidget.qml" line="250"/>
+        <source>Save Directory</source>
+        <translation>保存目录</translation>
+    </message>
+    <message>
+        <location filename="../qml/CConversionWidget.qml" line="264"/>
+        <source>Change</source>
+        <translation>更改</translation>
+    </message>
+</context>
+<context>
     <name>CFileDialog</name>
     <message>
         <location filename="../qml/CFileDialog.qml" line="14"/>
@@ -83,6 +310,42 @@
         <location filename="../qml/CustomUtils/CNotification.qml" line="77"/>
         <source>Open file</source>
         <translation>打开文件</translation>
+    </message>
+</context>
+<context>
+    <name>CPuzzleWidget</name>
+    <message>
+        <location filename="../qml/CPuzzleWidget.qml" line="109"/>
+        <source>Select Video Files</source>
+        <translation>选择视频文件</translation>
+    </message>
+    <message>
+        <location filename="../qml/CPuzzleWidget.qml" line="239"/>
+        <source>Select a video</source>
+        <translation>选择视频</translation>
+    </message>
+</context>
+<context>
+    <name>CToolWindow</name>
+    <message>
+        <location filename="../qml/CToolWindow.qml" line="32"/>
+        <source>Video tools</source>
+        <translation>视频工具</translation>
+    </message>
+    <message>
+        <location filename="../qml/CToolWindow.qml" line="91"/>
+        <source>Export success</source>
+        <translation>导出成功</translation>
+    </message>
+    <message>
+        <location filename="../qml/CToolWindow.qml" line="91"/>
+        <source>Export failed</source>
+        <translation>导出失败</translation>
+    </message>
+    <message>
+        <location filename="../qml/CToolWindow.qml" line="216"/>
+        <source>Export</source>
+        <translation>导出</translation>
     </message>
 </context>
 <context>
@@ -202,62 +465,62 @@
 <context>
     <name>MpvView</name>
     <message>
-        <location filename="../src/player/MpvView.cpp" line="130"/>
+        <location filename="../src/player/MpvView.cpp" line="133"/>
         <source>❚❚ paused</source>
         <translation>❚❚ 已暂停</translation>
     </message>
     <message>
-        <location filename="../src/player/MpvView.cpp" line="130"/>
+        <location filename="../src/player/MpvView.cpp" line="133"/>
         <source>▶ playing</source>
         <translation>▶ 播放中</translation>
     </message>
     <message>
-        <location filename="../src/player/MpvView.cpp" line="143"/>
+        <location filename="../src/player/MpvView.cpp" line="146"/>
         <source>🔇 Muted</source>
         <translation>🔇 已静音</translation>
     </message>
     <message>
-        <location filename="../src/player/MpvView.cpp" line="143"/>
+        <location filename="../src/player/MpvView.cpp" line="146"/>
         <source>🔊 Unmuted</source>
         <translation>🔊 已取消静音</translation>
     </message>
     <message>
-        <location filename="../src/player/MpvView.cpp" line="154"/>
+        <location filename="../src/player/MpvView.cpp" line="157"/>
         <source>Hardware Decoding:</source>
         <translation>硬件解码：</translation>
     </message>
     <message>
-        <location filename="../src/player/MpvView.cpp" line="257"/>
+        <location filename="../src/player/MpvView.cpp" line="260"/>
         <source>Full</source>
         <translation>铺满</translation>
     </message>
     <message>
-        <location filename="../src/player/MpvView.cpp" line="263"/>
+        <location filename="../src/player/MpvView.cpp" line="266"/>
         <source>default</source>
         <translation>默认</translation>
     </message>
     <message>
-        <location filename="../src/player/MpvView.cpp" line="273"/>
+        <location filename="../src/player/MpvView.cpp" line="276"/>
         <source>Aspect Ratio:</source>
         <translation>画面比例：</translation>
     </message>
     <message>
-        <location filename="../src/player/MpvView.cpp" line="296"/>
+        <location filename="../src/player/MpvView.cpp" line="299"/>
         <source>Audio Track</source>
         <translation>音轨</translation>
     </message>
     <message>
-        <location filename="../src/player/MpvView.cpp" line="322"/>
+        <location filename="../src/player/MpvView.cpp" line="325"/>
         <source>SubTitle</source>
         <translation>字幕</translation>
     </message>
     <message>
-        <location filename="../src/player/MpvView.cpp" line="339"/>
+        <location filename="../src/player/MpvView.cpp" line="342"/>
         <source>no subtitle</source>
         <translation>无字幕</translation>
     </message>
     <message>
-        <location filename="../src/player/MpvView.cpp" line="405"/>
+        <location filename="../src/player/MpvView.cpp" line="408"/>
         <source> ScreenShot saved</source>
         <translation> 截图已保存</translation>
     </message>
@@ -317,6 +580,32 @@
     </message>
 </context>
 <context>
+    <name>ToolEmptyState</name>
+    <message>
+        <location filename="../qml/ToolEmptyState.qml" line="38"/>
+        <source>Open file</source>
+        <translation>打开文件</translation>
+    </message>
+    <message>
+        <location filename="../qml/ToolEmptyState.qml" line="51"/>
+        <source>Drag your video here to open or click to add files</source>
+        <translation>拖动视频到此处打开，或点击添加文件</translation>
+    </message>
+</context>
+<context>
+    <name>ToolInputRow</name>
+    <message>
+        <location filename="../qml/ToolInputRow.qml" line="33"/>
+        <source>Select a path to save the compressed file</source>
+        <translation>选择压缩文件的保存路径</translation>
+    </message>
+    <message>
+        <location filename="../qml/ToolInputRow.qml" line="43"/>
+        <source>Select</source>
+        <translation>选择</translation>
+    </message>
+</context>
+<context>
     <name>WaveProgress</name>
     <message>
         <location filename="../qml/CustomUtils/WaveProgress.qml" line="34"/>
@@ -333,7 +622,7 @@
     <name>main</name>
     <message>
         <location filename="../qml/main.qml" line="34"/>
-        <location filename="../qml/main.qml" line="229"/>
+        <location filename="../qml/main.qml" line="232"/>
         <source>Player</source>
         <translation>播放器</translation>
     </message>
@@ -343,12 +632,12 @@
         <translation>文件不存在</translation>
     </message>
     <message>
-        <location filename="../qml/main.qml" line="301"/>
+        <location filename="../qml/main.qml" line="304"/>
         <source>Continue Playing</source>
         <translation>继续播放</translation>
     </message>
     <message>
-        <location filename="../qml/main.qml" line="356"/>
+        <location filename="../qml/main.qml" line="359"/>
         <source>Are you sure you want to delete this video?</source>
         <translation>确定要删除此视频吗？</translation>
     </message>

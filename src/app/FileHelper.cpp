@@ -37,7 +37,7 @@ QString FileHelper::toLocalPath(const QString& filePath)
 
 QString FileHelper::getFileName(const QString& filePath) const { return QFileInfo(toLocalPath(filePath)).fileName(); }
 
-QString FileHelper::getFilePath(const QString& filePath) const { return toLocalPath(filePath); }
+QString FileHelper::getFilePath(const QString& filePath, bool) const { return toLocalPath(filePath); }
 
 bool FileHelper::isExists(const QString& filePath) const { return QFileInfo::exists(toLocalPath(filePath)); }
 

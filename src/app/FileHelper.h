@@ -26,7 +26,9 @@ public:
     static QString toLocalPath(const QString& filePath);
 
     Q_INVOKABLE QString getFileName(const QString& filePath) const;
-    Q_INVOKABLE QString getFilePath(const QString& filePath) const;
+    // The tools pass a second argument with the output path of a save dialog; the answer is
+    // the same local path either way, so the flag is accepted and has no effect.
+    Q_INVOKABLE QString getFilePath(const QString& filePath, bool = false) const;
     Q_INVOKABLE bool isExists(const QString& filePath) const;
     Q_INVOKABLE bool fileExists(const QString& filePath) const;
     Q_INVOKABLE QString getFileSize(const QString& filePath) const;

@@ -1,8 +1,11 @@
 #include "QmlRegistration.h"
+#include "TestMedia.h"
 
 #include <QDir>
 #include <QFile>
+#include <QQmlContext>
 #include <QQmlEngine>
+#include <QUrl>
 #include <QtQuickTest>
 
 // Loads the program's own CustomUtils module (native types and the qrc half) into every
@@ -19,6 +22,9 @@ public slots:
         QDir::setCurrent(dir);
         QFile::remove(dir + "/config.json");
         QFile::copy(qEnvironmentVariable("VIDORA_SOURCE_DIR") + "/config.json", dir + "/config.json");
+        // Qt's own dialogs keep their settings under the program's name, as in the program.
+        QCoreApplication::setOrganizationName(QStringLiteral("Vidora"));
+        QCoreApplication::setOrganizationDomain(QStringLiteral("vidora.org"));
     }
 
     void qmlEngineAvailable(QQmlEngine* engine)
@@ -26,6 +32,18 @@ public slots:
         static const bool registered = (registerQmlTypes(), true);
         Q_UNUSED(registered)
         addModuleImportPath(*engine);
+        engine->rootContext()->setContextProperty(QStringLiteral("toolMediaUrl"), toolMedia());
+    }
+
+private:
+    // A short 1280 x 720 clip with sound for the tool pages, made once per run.
+    static QUrl toolMedia()
+    {
+        static const QUrl url = [] {
+            const QString path = QDir::temp().filePath(QStringLiteral("tool 720p.mp4"));
+            return TestMedia::makeVideo(path, 3, 1280, 720) ? QUrl::fromLocalFile(path) : QUrl();
+        }();
+        return url;
     }
 };
 
