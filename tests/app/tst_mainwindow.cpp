@@ -101,7 +101,8 @@ void TestMainWindow::initTestCase()
     m_player.setProcessChannelMode(QProcess::MergedChannels);
     m_player.start(m_program, QStringList());
     QVERIFY(waitFor([this] {
-        m_window = xdo({"search", "--name", QStringLiteral("^播放器$")}).section('\n', 0, 0);
+        m_window = xdo({"search", "--all", "--pid", QString::number(m_player.processId()), "--name",
+                        QStringLiteral("^播放器$")}).section('\n', 0, 0);
         return !m_window.isEmpty();
     }, 60000));
 }

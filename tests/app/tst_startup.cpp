@@ -199,7 +199,9 @@ void TestStartup::startedFromAnotherFolderFindsItsTranslation()
     bool found = false;
     for (int i = 0; i < 50 && !found; ++i) {
         QProcess search;
-        search.start("xdotool", {"search", "--name", QStringLiteral("播放器")});
+        // Only this player's window: other tests may show theirs on the same display.
+        search.start("xdotool", {"search", "--all", "--pid", QString::number(p->processId()), "--name",
+                                 QStringLiteral("播放器")});
         search.waitForFinished(5000);
         found = !search.readAllStandardOutput().trimmed().isEmpty();
         if (!found)
