@@ -1,3 +1,4 @@
+#include "ProcessOutput.h"
 #include "SingleInstance.h"
 
 #include <QDir>
@@ -106,17 +107,7 @@ int TestStartup::runSecond(const QStringList& args)
 
 bool TestStartup::waitForLine(QProcess* p, const QString& needle, int timeoutMs)
 {
-    QElapsedTimer t;
-    t.start();
-    QByteArray seen;
-    while (t.elapsed() < timeoutMs) {
-        p->waitForReadyRead(100);
-        seen += p->readAll();
-        if (QString::fromUtf8(seen).contains(needle))
-            return true;
-    }
-    qWarning().noquote() << "output so far:" << seen;
-    return false;
+    return ProcessOutput::waitForLine(p, needle, timeoutMs);
 }
 
 void TestStartup::stop(QProcess* p)

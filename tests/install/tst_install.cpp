@@ -1,4 +1,5 @@
 #include "AppPaths.h"
+#include "ProcessOutput.h"
 #include "SqlHelper.h"
 #include "TestMedia.h"
 
@@ -53,17 +54,7 @@ private:
 
     static bool waitForLine(QProcess* p, const QString& needle, int timeoutMs = 15000)
     {
-        QElapsedTimer t;
-        t.start();
-        QByteArray seen;
-        while (t.elapsed() < timeoutMs) {
-            p->waitForReadyRead(100);
-            seen += p->readAll();
-            if (QString::fromUtf8(seen).contains(needle))
-                return true;
-        }
-        qWarning().noquote() << "output so far:" << seen;
-        return false;
+        return ProcessOutput::waitForLine(p, needle, timeoutMs);
     }
 
     static int run(const QString& program, const QStringList& args, QByteArray* output = nullptr)
