@@ -163,6 +163,13 @@ Window {
         }
     }
 
+    // Media keys and the desktop's player widgets step through the history like the buttons.
+    Connections {
+        target: MprisService
+        function onNextRequested() { window.playNext() }
+        function onPreviousRequested() { window.playPrevious() }
+    }
+
     Connections {
         target: ImageProvider
         function onImageLoaded(index, filePath) {

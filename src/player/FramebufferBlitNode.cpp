@@ -34,8 +34,10 @@ void FramebufferBlitNode::render(const RenderState* state)
     const QPoint bottomRight = toPixel(m_rect.bottomRight());
 
     // The renderer works out the clip but leaves enabling it to the node. Rectangular clips
-    // come as a scissor rectangle in the target's pixels, which blits honour.
-    if (state->scissorEnabled()) {
+    // come as a scissor rectangle in the target's pixels, which blits honour. A node under no
+    // clip at all may still be handed the scissor of the clipped item drawn before it (an
+    // open play list, the notification stack), which would cut the picture down to that.
+    if (clipList() && state->scissorEnabled()) {
         const QRect scissor = state->scissorRect();
         gl->glEnable(GL_SCISSOR_TEST);
         gl->glScissor(scissor.x(), scissor.y(), scissor.width(), scissor.height());

@@ -3,6 +3,11 @@
 #include "MediaOpen.h"
 #include "StreamSideData.h"
 
+extern "C" {
+#include <libavutil/imgutils.h>
+}
+
+#include <algorithm>
 #include <cmath>
 #include <cstring>
 #include <spdlog/spdlog.h>
@@ -203,8 +208,13 @@ VideoInfo videoInfo(const QString& path, bool* ok)
     if (video) {
         const AVCodecParameters* par = video->codecpar;
         info.codecId = par->codec_id;
-        info.width = par->width;
-        info.height = par->height;
+        // A stream no decoder checked (an unknown codec) reports whatever its header claims; a
+        // size FFmpeg itself would refuse to allocate counts as no size.
+        if (av_image_check_size(static_cast<unsigned>(std::max(par->width, 0)),
+                                static_cast<unsigned>(std::max(par->height, 0)), 0, nullptr) >= 0) {
+            info.width = par->width;
+            info.height = par->height;
+        }
         info.bitrate = par->bit_rate;
         if (usableRate(video->avg_frame_rate))
             info.fps = roundedRate(video->avg_frame_rate);

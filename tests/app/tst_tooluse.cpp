@@ -81,12 +81,15 @@ void TestToolUse::cleanupTestCase()
         m_player.kill();
 }
 
+// Only the player's own windows: the QML tests show tool windows of the same titles on the
+// same display.
 QString TestToolUse::window(const QString& name, int timeoutMs)
 {
     QElapsedTimer t;
     t.start();
     while (t.elapsed() < timeoutMs) {
-        const QString ids = TestMedia::run("xdotool", {"search", "--onlyvisible", "--name", "^" + name + "$"}).trimmed();
+        const QString ids = TestMedia::run("xdotool", {"search", "--all", "--onlyvisible", "--pid",
+                                                      QString::number(m_player.processId()), "--name", "^" + name + "$"}).trimmed();
         if (!ids.isEmpty() && !ids.contains(' ') && ids.at(0).isDigit())
             return ids.split('\n').last();
         QTest::qWait(200);

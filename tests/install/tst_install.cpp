@@ -1,7 +1,12 @@
 #include "AppPaths.h"
+#include "ProcessOutput.h"
 #include "SqlHelper.h"
 #include "TestMedia.h"
 
+#include <QDBusConnection>
+#include <QDBusInterface>
+#include <QDBusReply>
+#include <QDBusVariant>
 #include <QDirIterator>
 #include <QElapsedTimer>
 #include <QProcess>
@@ -9,7 +14,9 @@
 #include <QtTest>
 
 // The program as a distribution ships it: installed with cmake into a prefix that is then
-// made read-only, started with a fresh HOME and no session bus, from another folder.
+// made read-only, started with a fresh HOME from another folder: first without a session bus,
+// then on the private one the suite gives this test, where the desktop's media controls step
+// through the history.
 class TestInstall : public QObject
 {
     Q_OBJECT
@@ -47,17 +54,7 @@ private:
 
     static bool waitForLine(QProcess* p, const QString& needle, int timeoutMs = 15000)
     {
-        QElapsedTimer t;
-        t.start();
-        QByteArray seen;
-        while (t.elapsed() < timeoutMs) {
-            p->waitForReadyRead(100);
-            seen += p->readAll();
-            if (QString::fromUtf8(seen).contains(needle))
-                return true;
-        }
-        qWarning().noquote() << "output so far:" << seen;
-        return false;
+        return ProcessOutput::waitForLine(p, needle, timeoutMs);
     }
 
     static int run(const QString& program, const QStringList& args, QByteArray* output = nullptr)
@@ -127,7 +124,7 @@ private slots:
         const QString clip = m_root.filePath("clip.mp4");
         const QString other = m_root.filePath("other.mp4");
         QVERIFY(TestMedia::makeVideo(clip, 1.5, 160, 120, 25, false));
-        QVERIFY(QFile::copy(clip, other));
+        QVERIFY(TestMedia::makeVideo(other, 8, 160, 120, 25, false));
 
         // The paths the installed copy chooses, computed here with the same HOME.
         qputenv("HOME", m_home.toUtf8());
@@ -165,6 +162,41 @@ private slots:
 
         QCOMPARE(snapshot(), before);
         QVERIFY(!QFile::exists(paths.config)); // seeded only on the first change
+        first->kill();
+        first->waitForFinished();
+    }
+
+    void mediaControlsStepThroughTheHistory()
+    {
+        // The history holds clip.mp4 and other.mp4; a third file joins it at the end.
+        QVERIFY2(QDBusConnection::sessionBus().isConnected(), "run under dbus-run-session");
+        m_env.insert("DBUS_SESSION_BUS_ADDRESS", qEnvironmentVariable("DBUS_SESSION_BUS_ADDRESS"));
+        const QString other = QUrl::fromLocalFile(m_root.filePath("other.mp4")).toString();
+        const QString third = m_root.filePath("third.mp4");
+        QVERIFY(TestMedia::makeVideo(third, 8, 160, 120, 25, false));
+        QProcess* player = start({third});
+        QDBusInterface properties("org.mpris.MediaPlayer2.vidora", "/org/mpris/MediaPlayer2",
+                                  "org.freedesktop.DBus.Properties");
+        QDBusInterface controls("org.mpris.MediaPlayer2.vidora", "/org/mpris/MediaPlayer2",
+                                "org.mpris.MediaPlayer2.Player");
+        const auto playing = [&] {
+            const QDBusReply<QDBusVariant> reply = properties.call("Get", "org.mpris.MediaPlayer2.Player", "Metadata");
+            if (!reply.isValid())
+                return QString();
+            return qdbus_cast<QVariantMap>(reply.value().variant().value<QDBusArgument>()).value("xesam:url").toString();
+        };
+        QTRY_COMPARE_WITH_TIMEOUT(playing(), QUrl::fromLocalFile(third).toString(), 15000);
+        QTRY_VERIFY_WITH_TIMEOUT(properties.call("Get", "org.mpris.MediaPlayer2.Player", "Position")
+                                         .arguments().value(0).value<QDBusVariant>().variant().toLongLong() > 0,
+                                 10000);
+        // Which row comes before is the window's history order; either earlier file will do.
+        const QStringList earlier{QUrl::fromLocalFile(m_root.filePath("clip.mp4")).toString(), other};
+        controls.call("Previous");
+        QTRY_VERIFY_WITH_TIMEOUT(earlier.contains(playing()), 10000);
+        const QString before = playing();
+        controls.call("Next");
+        QTRY_VERIFY_WITH_TIMEOUT(playing() != before, 10000);
+        QCOMPARE(player->state(), QProcess::Running);
     }
 };
 

@@ -155,6 +155,31 @@ private slots:
         QCOMPARE(tool.getVideoInfo(file).value("width").toInt(), 160);
     }
 
+    // An unknown codec leaves the header's size unchecked (the fuzzer found one claiming
+    // 1438220545 x -1702821291); a size no picture can have is no size.
+    void impossibleSizeOfAnUnknownCodecCountsAsNone()
+    {
+        const QString file = path("unknown.mkv");
+        QVERIFY(TestMedia::ffmpeg({"-f", "lavfi", "-i", "testsrc=size=640x360:duration=0.2:rate=5", "-c:v",
+                                   "rawvideo", "-pix_fmt", "yuv420p", file}));
+        QByteArray bytes = TestMedia::fileBytes(file);
+        // PixelWidth (0xB0) 640 and PixelHeight (0xBA) 360 as two-byte values, and the codec name.
+        for (const QByteArray& field : {QByteArray("\xB0\x82\x02\x80", 4), QByteArray("\xBA\x82\x01\x68", 4)}) {
+            const int at = bytes.indexOf(field);
+            QVERIFY(at > 0);
+            bytes[at + 2] = '\xFF';
+            bytes[at + 3] = '\xFF';
+        }
+        const int codec = bytes.indexOf("V_UNCOMPRESSED");
+        QVERIFY(codec > 0);
+        bytes[codec + 2] = 'X';
+        QVERIFY(TestMedia::writeFile(file, bytes));
+        const QVariantMap info = CommonTool().getVideoInfo(file);
+        QCOMPARE(info.value("codecId").toInt(), 0);
+        QCOMPARE(info.value("width").toInt(), 0);
+        QCOMPARE(info.value("height").toInt(), 0);
+    }
+
     void unreadableFilesGiveEmptyInfoWithReason()
     {
         const QMap<QString, QString> bad = TestMedia::badInputs(m_dir);
