@@ -3,6 +3,11 @@
 # One executable per unit. Non-GUI tests run on Qt's offscreen platform; GUI tests need the X
 # display that the test script provides (xvfb-run) and use Mesa's software OpenGL.
 # Every test gets a private TMPDIR so media, sockets and list files never collide.
+if(VIDORA_SANITIZE)
+  find_file(VIDORA_MESA_DRIVER swrast_dri.so
+            PATHS /usr/lib/${CMAKE_LIBRARY_ARCHITECTURE}/dri /usr/lib/dri NO_DEFAULT_PATH)
+endif()
+
 function(vidora_add_test)
   cmake_parse_arguments(T "GUI" "NAME;TIMEOUT" "SOURCES;LIBS;ENVIRONMENT;LAUNCHER" ${ARGN})
   add_executable(${T_NAME} ${T_SOURCES})
@@ -22,6 +27,12 @@ function(vidora_add_test)
   # code only. Programs a test starts inherit the same settings.
   set(supp ${PROJECT_SOURCE_DIR}/tests/sanitizers)
   if(VIDORA_SANITIZE)
+    # Mesa unloads its DRI driver when the last GL context goes; LeakSanitizer then can no
+    # longer scan the driver's globals (its live blocks turn into "leaks") nor name its frames.
+    # Loading the driver up front keeps it mapped until exit.
+    if(T_GUI AND VIDORA_MESA_DRIVER)
+      list(APPEND env "LD_PRELOAD=${VIDORA_MESA_DRIVER}")
+    endif()
     list(APPEND env "ASAN_OPTIONS=detect_leaks=1:abort_on_error=0:strict_string_checks=0"
          "LSAN_OPTIONS=suppressions=${supp}/lsan.supp:print_suppressions=0"
          "UBSAN_OPTIONS=print_stacktrace=1:halt_on_error=1:suppressions=${supp}/ubsan.supp")
