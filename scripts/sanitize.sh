@@ -1,9 +1,8 @@
 #!/usr/bin/env bash
-# The robustness half of CI, after scripts/test.sh:
-#  1. an AddressSanitizer + UndefinedBehaviorSanitizer build (clang, -O1) in build-asan runs the
-#     whole suite, then the fuzz targets built alongside run briefly on fresh seeds;
-#  2. a ThreadSanitizer build in build-tsan runs the units that share data between threads.
-# FUZZ_SECONDS per fuzz target (default 60); extra arguments go to both ctest runs.
+# The robustness half of CI, after scripts/test.sh: an AddressSanitizer + UndefinedBehaviorSanitizer
+# build (clang, -O1, no benchmarks) in build-asan runs the whole suite, then the fuzz targets
+# built alongside run briefly on fresh seeds.
+# FUZZ_SECONDS per fuzz target (default 60); extra arguments go to ctest.
 # Sanitizer settings and suppressions come from the tests' environment (tests/sanitizers).
 set -euo pipefail
 root=$(cd "$(dirname "$0")/.." && pwd)
@@ -13,16 +12,6 @@ export CC=clang CXX=clang++
 xvfb=(xvfb-run -a -s "-screen 0 1400x900x24 -nolisten tcp")
 
 asan=$root/build-asan
-BUILD_DIR=$asan "$root/scripts/build.sh" -DVIDORA_SANITIZE=ON -DVIDORA_FUZZ=ON
+BUILD_DIR=$asan "$root/scripts/build.sh" -DVIDORA_SANITIZE=ON -DVIDORA_FUZZ=ON -DVIDORA_BUILD_BENCH=OFF
 (cd "$asan" && "${xvfb[@]}" ctest --output-on-failure -j"${TEST_JOBS:-2}" "$@")
 BUILD_DIR=$asan "$root/scripts/fuzz.sh" "${FUZZ_SECONDS:-60}"
-
-# The pool, the jobs and their cancel flag, the image provider, the thumbnail items, the
-# libmpv controller and the player view.
-threaded=(tst_threadpool tst_commontool tst_cropjob tst_mergejob tst_imageprovider tst_thumbnailitems
-          tst_mpv_controller tst_mpv_view)
-tsan=$root/build-tsan
-cmake -S "$root" -B "$tsan" -DCMAKE_BUILD_TYPE=Release -DVIDORA_TSAN=ON >/dev/null
-cmake --build "$tsan" -j"$(nproc)" --target "${threaded[@]}"
-pattern="^($(IFS='|'; echo "${threaded[*]}"))\$"
-(cd "$tsan" && "${xvfb[@]}" ctest --output-on-failure -j"${TEST_JOBS:-2}" -R "$pattern" "$@")
