@@ -36,17 +36,15 @@ Item {
                 fuzzyCompare(w.fillTop, data.top, 0.001)
         }
 
-        function test_stop() {
-            let stops = 0
-            const w = createTemporaryObject(wave, scene, { to: 100, value: 10, loading: true,
-                                                              handleStop: function () { ++stops } })
-            mouseMove(w, 100, 100)
-            verify(!w.stopShown)
-            mouseClick(w, 100, 100)
-            compare(stops, 0)
-            verify(w.visible)
+        function test_stop_data() {
+            return [ { tag: "loading", loading: true }, { tag: "counting", loading: false } ]
+        }
 
-            w.loading = false
+        function test_stop(data) {
+            let stops = 0
+            const w = createTemporaryObject(wave, scene, { to: 100, value: 10, loading: data.loading,
+                                                              handleStop: function () { ++stops } })
+            verify(!w.stopShown)
             mouseMove(w, 101, 100)
             tryVerify(function () { return w.stopShown })
             mouseClick(w, 100, 100)
