@@ -196,6 +196,13 @@ Item {
                           audioCodecId: 86018, audioBitrate: 32 }))
 
             window.showIndex(3)
+            // Its rows are appended at run time, which its open list must show all the same.
+            var resolutionList = findChild(page, "resolutionBox").children[1]
+            mouseClick(resolutionList)
+            tryCompare(resolutionList.popup, "opened", true)
+            resolutionList.popup.contentItem.currentIndex = 2
+            compare(resolutionList.popup.contentItem.currentItem.text, "720p")
+            resolutionList.popup.close()
             window.openFile(toolMediaUrl)
             compare(page.outputName, "tool 720p_export.mp4")
             fuzzyCompare(page.scale, 1280 / 720, 1e-9)
