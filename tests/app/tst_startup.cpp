@@ -176,12 +176,14 @@ private slots:
         QVERIFY(waitForListening());
         const QFileInfo socket(SingleInstance::serverName());
         QVERIFY(socket.fileName().endsWith(QStringLiteral("-%1").arg(::geteuid())));
-        QCOMPARE(socket.permissions() & (QFile::ReadGroup | QFile::WriteGroup | QFile::ReadOther | QFile::WriteOther),
+        QCOMPARE(socket.permissions() &
+                     (QFile::ReadGroup | QFile::WriteGroup | QFile::ReadOther | QFile::WriteOther),
                  QFile::Permissions());
 
         // With one: the socket lives there, and players of the same session find each other.
         QTemporaryDir runtime;
-        QVERIFY(QFile::setPermissions(runtime.path(), QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner));
+        QVERIFY(
+            QFile::setPermissions(runtime.path(), QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner));
         QProcessEnvironment session;
         session.insert("XDG_RUNTIME_DIR", runtime.path());
         QProcess* inSession = startPlayer({}, session);
@@ -209,7 +211,8 @@ private slots:
         QProcessEnvironment sharedTmp;
         sharedTmp.insert("TMPDIR", shared.path());
         QProcess* mine = startPlayer({}, sharedTmp);
-        QVERIFY(waitForListening(15000, shared.filePath(QStringLiteral("%1-0").arg(SingleInstance::kApplicationId))));
+        QVERIFY(waitForListening(
+            15000, shared.filePath(QStringLiteral("%1-0").arg(SingleInstance::kApplicationId))));
         auto* other = new QProcess(this);
         QProcessEnvironment otherEnv = QProcessEnvironment::systemEnvironment();
         otherEnv.insert("TMPDIR", shared.path());
@@ -217,9 +220,11 @@ private slots:
         otherEnv.insert("QT_QPA_PLATFORM", "offscreen");
         other->setProcessEnvironment(otherEnv);
         other->setWorkingDirectory(shared.path());
-        other->start("setpriv", QStringList{"--reuid=65534", "--regid=65534", "--clear-groups", program, m_file});
+        other->start("setpriv",
+                     QStringList{"--reuid=65534", "--regid=65534", "--clear-groups", program, m_file});
         m_running << other;
-        const QString othersName = shared.filePath(QStringLiteral("%1-65534").arg(SingleInstance::kApplicationId));
+        const QString othersName =
+            shared.filePath(QStringLiteral("%1-65534").arg(SingleInstance::kApplicationId));
         QTRY_VERIFY_WITH_TIMEOUT(QFile::exists(othersName), 15000);
         QCOMPARE(QFileInfo(othersName).ownerId(), 65534u);
         QVERIFY(!waitForLine(mine, "openFile:", 500));

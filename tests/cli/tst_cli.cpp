@@ -125,7 +125,8 @@ private slots:
         usage("convert without OUT", {"convert", "a.mp4"}, "convert takes IN and OUT");
         usage("unknown codec", {"convert", "a.mp4", "o.mp4", "--codec", "nonsense"},
               "unknown video codec: nonsense");
-        usage("audio name as video", {"convert", "a.mp4", "o.mp4", "--codec", "mp3"}, "unknown video codec: mp3");
+        usage("audio name as video", {"convert", "a.mp4", "o.mp4", "--codec", "mp3"},
+              "unknown video codec: mp3");
         usage("video name as audio", {"convert", "a.mp4", "o.mp4", "--audio-codec", "h264"},
               "unknown audio codec: h264");
         usage("negative width", {"convert", "a.mp4", "o.mp4", "--width", "-2"},

@@ -30,13 +30,14 @@ private slots:
         QCOMPARE(size, QSize(7, 7));
 
         provider.loadThumbnail(0, solid("red"), 0.0, "CVideoCard");
-        provider.loadThumbnailFromUrl(0, QUrl::fromLocalFile(solid("blue")).toString(), 0.0, "CImageListView");
+        provider.loadThumbnailFromUrl(0, QUrl::fromLocalFile(solid("blue")).toString(), 0.0,
+                                      "CImageListView");
         provider.loadThumbnail(1, solid("black"), 0.0, "CVideoCard");
         provider.loadThumbnail(2, solid("white"), 0.0, "CVideoCard");
         QTRY_COMPARE_WITH_TIMEOUT(m_loaded.size(), 4, 20000);
         QCOMPARE(QSet<QString>(m_loaded.begin(), m_loaded.end()),
-                 QSet<QString>(
-                     {"0 CVideoCard0.png", "0 CImageListView0.png", "1 CVideoCard1.png", "2 CVideoCard2.png"}));
+                 QSet<QString>({"0 CVideoCard0.png", "0 CImageListView0.png", "1 CVideoCard1.png",
+                                "2 CVideoCard2.png"}));
         // Decoded black and white are Y 16 and 235 with neutral chroma: exactly black and white.
         QCOMPARE(centreOf(provider, "CVideoCard1.png"), QColor(0, 0, 0));
         QCOMPARE(centreOf(provider, "CVideoCard2.png"), QColor(255, 255, 255));
@@ -90,7 +91,8 @@ private slots:
         std::thread reader([&]() {
             while (!stop.load()) {
                 for (int i = 0; i < 4; ++i)
-                    if (!provider.requestImage(ImageProvider::keyFor("CVideoCard", i), nullptr, QSize()).isNull())
+                    if (!provider.requestImage(ImageProvider::keyFor("CVideoCard", i), nullptr, QSize())
+                             .isNull())
                         ++hits;
             }
         });

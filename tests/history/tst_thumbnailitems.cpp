@@ -69,7 +69,8 @@ private slots:
         for (const QString& bad : kUnreadableKinds) {
             const bool first = bad == kUnreadableKinds[0] || bad == kUnreadableKinds[1];
             QTest::addRow("framebuffer, %s, %s", first ? "fitted already" : "resized", qPrintable(bad))
-                << false << (first ? fitted : other) << QSize() << (first ? QSize(0, 0) : fitted.toSize()) << bad;
+                << false << (first ? fitted : other) << QSize() << (first ? QSize(0, 0) : fitted.toSize())
+                << bad;
             QTest::addRow("painted, %s, %s", first ? "resized" : "zero box keeps the size", qPrintable(bad))
                 << true << (first ? other : QSizeF(120, 60)) << (first ? QSize() : QSize(0, 0))
                 << (first ? fitted.toSize() : QSize(0, 0)) << bad;
@@ -86,7 +87,8 @@ private slots:
         QQuickItem* item = makeItem(painted, size);
         if (box.isValid())
             QMetaObject::invokeMethod(item, "setMaxSize", Q_ARG(int, box.width()), Q_ARG(int, box.height()));
-        QTRY_VERIFY(shows(item, kBlack)); // nothing loaded yet; for the framebuffer item the renderer exists now
+        QTRY_VERIFY(
+            shows(item, kBlack)); // nothing loaded yet; for the framebuffer item the renderer exists now
 
         load(item, m_pattern);
         QTRY_COMPARE_WITH_TIMEOUT(m_updates.size(), 1, 20000);
@@ -173,7 +175,8 @@ private:
         QQuickItem* item = painted ? static_cast<QQuickItem*>(new YUVPaintedItem(m_window->contentItem()))
                                    : new ThumbnailItem(m_window->contentItem());
         item->setSize(size);
-        connect(item, SIGNAL(signalUpdate(int, int)), this, SLOT(onSignalUpdate(int, int)), Qt::QueuedConnection);
+        connect(item, SIGNAL(signalUpdate(int, int)), this, SLOT(onSignalUpdate(int, int)),
+                Qt::QueuedConnection);
         return item;
     }
 
@@ -212,8 +215,8 @@ private:
     LogCapture m_log;
     QString m_dir;
     QMap<QString, QString> m_bad; // TestMedia::badInputs
-    QString m_pattern;    // 320x240 H.264 in quadrants: red, green over blue, yellow
-    QColor m_expected[4]; // top left, top right, bottom left, bottom right
+    QString m_pattern;            // 320x240 H.264 in quadrants: red, green over blue, yellow
+    QColor m_expected[4];         // top left, top right, bottom left, bottom right
     std::unique_ptr<QQuickWindow> m_window;
     QList<QSize> m_updates;
 };
