@@ -115,13 +115,15 @@ void TestToolUse::click(const QString& win, int x, int y)
 
 // Qt's own file dialog takes a typed full path in its path field. Its view loads after the
 // window maps and may drop early keys on a busy machine, so the answer is typed again until
-// the dialog closes.
+// the dialog closes. Without a window manager a dialog may map below the window that was
+// raised last, so it is raised before each try.
 void TestToolUse::answerFileDialog(const QString& title, const QString& path)
 {
     const QString dialog = window(title);
     QVERIFY2(!dialog.isEmpty(), qPrintable(title));
     for (int attempt = 0; attempt < 5 && !window(title, 100).isEmpty(); ++attempt) {
         QTest::qWait(1000);
+        xdo({"windowraise", dialog});
         click(dialog, 200, 20);
         xdo({"key", "ctrl+a"});
         xdo({"type", "--delay", "5", path});
