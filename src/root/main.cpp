@@ -68,6 +68,12 @@ int main(int argc, char* argv[])
     // pass of the event loop are still drawn as one frame.
     if (!qEnvironmentVariableIsSet("QT_QPA_UPDATE_IDLE_TIME"))
         qputenv("QT_QPA_UPDATE_IDLE_TIME", "0");
+    // Small images share one texture, by default as large as the window (about 4 MB with a
+    // software renderer); the window's icons need a fraction of that.
+    if (!qEnvironmentVariableIsSet("QSG_ATLAS_WIDTH") && !qEnvironmentVariableIsSet("QSG_ATLAS_HEIGHT")) {
+        qputenv("QSG_ATLAS_WIDTH", "512");
+        qputenv("QSG_ATLAS_HEIGHT", "512");
+    }
     QGuiApplication app(argc, argv);
 
     const QStringList words = argumentsAfterProgram(argc, argv);
