@@ -61,6 +61,7 @@ Item {
     function exportTo(url) {
         var output = Logic.withDefaultSuffix(FileHelper.getFilePath(url, false), saveDialog.defaultSuffix)
         CommonTool.cropVideoAsync(FileHelper.getFilePath(currentFileUrl), output, startTime, endTime)
+        parentId.jobStarted()
         parentId.handleOpenFile = function () { FileHelper.openDirectoryByFile(output) }
     }
 

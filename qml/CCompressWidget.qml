@@ -55,6 +55,7 @@ Item {
         }
         var output = Logic.outputPath(saveDirectory, outputName)
         CommonTool.compressVideoAsync(FileHelper.getFilePath(currentFileUrl), output, parentId.currentIndex)
+        parentId.jobStarted()
         parentId.handleOpenFile = function () { FileHelper.openDirectoryByFile(output) }
     }
 

@@ -104,6 +104,7 @@ Item {
         }
         var output = Logic.outputPath(saveDirectory, outputName)
         CommonTool.convertVideoFormatAsync(FileHelper.getFilePath(currentFileUrl), output, videoInfoMap())
+        parentId.jobStarted()
         parentId.handleOpenFile = function () { FileHelper.openDirectoryByFile(output) }
     }
 

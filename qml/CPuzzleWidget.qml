@@ -59,7 +59,11 @@ Item {
             return
         }
         var inputs = paths().map(function (path) { return FileHelper.getFilePath(path) })
+        // The merge keeps a cancel left over from an earlier stop; no job runs now (the
+        // window allows one at a time), so that cancel is stale.
+        CommonTool.resetCancelState()
         CommonTool.mergeVideoAsync(inputs, FileHelper.getFilePath(outputPath, false))
+        parentId.jobStarted()
     }
 
     function exportTo(url) {

@@ -7,8 +7,9 @@ import CustomUtils 1.0
 // shows the same object again.
 //
 // A page offers openFiles(urls), handleExport(), exportEnabled and parentId (set to this
-// window), through which it hands over what to do after a successful export or gives up
-// the running state when its own save dialog is cancelled.
+// window), through which it hands over what to do after a successful export, reports the
+// job it started (jobStarted) or gives up the running state when its own save dialog is
+// cancelled.
 Window {
     id: root
 
@@ -20,7 +21,12 @@ Window {
     property var handleOpenFile: null
     readonly property var objects: [compressPage, clipPage, mergePage, conversionPage]
     readonly property var currentPage: objects[currentIndex]
-    readonly property bool exportAllowed: !isRunning && currentPage.exportEnabled
+    // Jobs started whose finish has not come yet. Stop frees the window at once, but a stopped
+    // job ends only at its next look at the shared cancel flag; a new job started before that
+    // would clear the flag and let the old one run on, and the old one's finish would end the
+    // new one's display.
+    property int pendingJobs: 0
+    readonly property bool exportAllowed: !isRunning && pendingJobs === 0 && currentPage.exportEnabled
     readonly property alias progressVisible: progress.visible
     // A page refused to start without a word; the next opening of the window clears it.
     property bool stalled: false
@@ -55,6 +61,10 @@ Window {
         progress.visible = true
     }
 
+    function jobStarted() {
+        ++pendingJobs
+    }
+
     function stop() {
         if (!isRunning)
             return
@@ -84,6 +94,7 @@ Window {
             root.value = progressValue
         }
         function onVideoCompressionFinished(success) {
+            root.pendingJobs = Math.max(0, root.pendingJobs - 1)
             progress.visible = false
             progress.loading = false
             root.isRunning = false

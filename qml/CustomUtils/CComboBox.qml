@@ -7,11 +7,13 @@ import QtQuick.Templates 2.15 as T
 T.ComboBox {
     id: root
 
-    // One row's text, for models of records and plain lists alike.
-    function rowText(index, modelData, model) {
+    // One row's text, for models of records and plain lists alike. Read through the row's
+    // `model`: a list model whose rows are appended at run time gives its delegates no
+    // `modelData` at all.
+    function rowText(model) {
         if (!textRole)
-            return modelData
-        return Array.isArray(root.model) ? modelData[textRole] : model[textRole]
+            return model.modelData
+        return Array.isArray(root.model) ? model.modelData[textRole] : model[textRole]
     }
 
     implicitWidth: 140
@@ -52,7 +54,7 @@ T.ComboBox {
         rightPadding: 7
         highlighted: root.highlightedIndex === index
         hoverEnabled: true
-        text: root.rowText(index, modelData, model)
+        text: root.rowText(model)
         contentItem: Text {
             text: row.text
             font: root.font

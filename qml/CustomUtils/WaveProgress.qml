@@ -3,7 +3,8 @@ import QtQuick.Templates 2.15 as T
 import QtGraphicalEffects 1.15
 
 // Circular progress: a rounded square of colour, turned and spinning, rises inside a circle as
-// `value` approaches `to`. Hovering offers a stop disc while real progress is shown.
+// `value` approaches `to`. Hovering offers a stop disc, in the loading state too: a job
+// whose start is still pending (or a tool whose own checks failed) must be stoppable.
 Item {
     id: root
 
@@ -34,7 +35,7 @@ Item {
     readonly property string labelText: loading ? qsTr("loading")
                                                 : value.toFixed(progressTextPrecision) + "/"
                                                   + to.toFixed(progressTextPrecision)
-    readonly property bool stopShown: !loading && circleArea.containsMouse
+    readonly property bool stopShown: circleArea.containsMouse
 
     width: 2 * radius
     implicitHeight: 2 * radius + (slider.visible ? slider.height + 10 : 0)
@@ -108,10 +109,8 @@ Item {
             id: circleArea
             anchors.fill: parent
             hoverEnabled: true
-            cursorShape: root.loading ? Qt.ArrowCursor : Qt.PointingHandCursor
+            cursorShape: Qt.PointingHandCursor
             onClicked: {
-                if (root.loading)
-                    return
                 if (typeof root.handleStop === "function")
                     root.handleStop()
                 root.visible = false

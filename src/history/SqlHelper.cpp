@@ -1,6 +1,7 @@
 #include "SqlHelper.h"
 
 #include "AppPaths.h"
+#include "ProcessWide.h"
 #include "SqlStatement.h"
 
 #include <QDir>
@@ -58,7 +59,8 @@ bool acceptsWrites(sqlite3* db, std::string* reason)
     return written;
 }
 
-SqlHelper* g_instance = nullptr;
+// Whether the process-wide store was ever made, so that closing it at exit does not open it.
+bool g_made = false;
 
 } // namespace
 
@@ -68,22 +70,24 @@ void SqliteCloser::operator()(sqlite3* db) const
     sqlite3_close(db);
 }
 
+SqlHelper* SqlHelper::makeProcessWide()
+{
+    const QString path = AppPaths::current().historyDatabase;
+    QDir().mkpath(QFileInfo(path).absolutePath());
+    g_made = true;
+    return new SqlHelper(path);
+}
+
 SqlHelper* SqlHelper::instance()
 {
-    // Created on first use and kept to the end of the process (the QML engine never owns it);
-    // closeInstance() closes its connection at exit.
-    if (!g_instance) {
-        const QString path = AppPaths::current().historyDatabase;
-        QDir().mkpath(QFileInfo(path).absolutePath());
-        g_instance = new SqlHelper(path);
-    }
-    return g_instance;
+    // The QML engine never owns it; closeInstance() closes its connection at exit.
+    return &processWide<SqlHelper>();
 }
 
 void SqlHelper::closeInstance()
 {
-    if (g_instance)
-        g_instance->close();
+    if (g_made)
+        instance()->close();
 }
 
 SqlHelper::SqlHelper(const QString& databasePath, QObject* parent) : QObject(parent)

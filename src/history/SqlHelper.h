@@ -29,6 +29,9 @@ public:
     // scene, the last user of the history, is gone; instance() stays valid, without history.
     static void closeInstance();
 
+    // Makes the instance on the file start-up chose; only processWide() calls it.
+    static SqlHelper* makeProcessWide();
+
     // Opens the given file; the program uses instance(). A database that cannot be opened
     // or written (a read-only folder, a file that is not a database) is closed again at once
     // with one error line, leaving an object whose operations fail quietly (false, 0.0,

@@ -67,15 +67,19 @@ private:
     }
     QVariant get(const QString& name, const QString& interface = kPlayer)
     {
-        const QVariant value =
-            call("org.freedesktop.DBus.Properties", "Get", {interface, name}).arguments().value(0).value<QDBusVariant>().variant();
+        const QVariant value = call("org.freedesktop.DBus.Properties", "Get", {interface, name})
+                                   .arguments()
+                                   .value(0)
+                                   .value<QDBusVariant>()
+                                   .variant();
         if (value.userType() == qMetaTypeId<QDBusArgument>())
             return qdbus_cast<QVariantMap>(value.value<QDBusArgument>());
         return value;
     }
     void set(const QString& name, const QVariant& value)
     {
-        call("org.freedesktop.DBus.Properties", "Set", {kPlayer, name, QVariant::fromValue(QDBusVariant(value))});
+        call("org.freedesktop.DBus.Properties", "Set",
+             {kPlayer, name, QVariant::fromValue(QDBusVariant(value))});
     }
     double positionSeconds() { return get("Position").toLongLong() / 1e6; }
 
@@ -86,9 +90,7 @@ private slots:
         m_file = dir + "/clip.mp4";
         QVERIFY(TestMedia::makeVideo(m_file, 6));
         QDir::setCurrent(dir);
-        QFile conf("mpvqt.conf");
-        QVERIFY(conf.open(QIODevice::WriteOnly) && conf.write("ao=null\n") > 0);
-        conf.close();
+        QVERIFY(TestMedia::writeFile("mpvqt.conf", "ao=null\n"));
 
         // No bus, no controls, no harm.
         QVERIFY(!MprisService::instance()->start(QDBusConnection(QStringLiteral("no-such-bus"))));
@@ -120,7 +122,8 @@ private slots:
     {
         QVERIFY(m_desktop.interface()->isServiceRegistered(kService));
         QCOMPARE(get("Identity", "org.mpris.MediaPlayer2").toString(), QString("Vidora"));
-        QVERIFY(get("SupportedMimeTypes", "org.mpris.MediaPlayer2").toStringList().contains("video/x-matroska"));
+        QVERIFY(
+            get("SupportedMimeTypes", "org.mpris.MediaPlayer2").toStringList().contains("video/x-matroska"));
         QCOMPARE(get("PlaybackStatus").toString(), QString("Stopped"));
     }
 
@@ -153,7 +156,8 @@ private slots:
         QTRY_VERIFY(qAbs(positionSeconds() - (before + 2.0)) < 0.3);
         QTRY_VERIFY(!m_recorder.seeks.isEmpty());
         const QVariant track = get("Metadata").toMap().value("mpris:trackid");
-        call(kPlayer, "SetPosition", {QVariant::fromValue(QDBusObjectPath("/org/vidora/vidora/track/0")), qlonglong(0)});
+        call(kPlayer, "SetPosition",
+             {QVariant::fromValue(QDBusObjectPath("/org/vidora/vidora/track/0")), qlonglong(0)});
         QTest::qWait(300);
         QVERIFY(positionSeconds() > 1.5);
         call(kPlayer, "SetPosition", {track, qlonglong(500000)});

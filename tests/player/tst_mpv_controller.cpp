@@ -32,9 +32,7 @@ private slots:
         QVERIFY(TestMedia::makeVideo(m_longer, 6.0, 160, 120, 25));
         // The option file is read from the working directory; this one also proves it is read.
         QDir::setCurrent(m_dir);
-        QFile conf("mpvqt.conf");
-        QVERIFY(conf.open(QIODevice::WriteOnly) && conf.write("ao=null\nvolume=37\n") > 0);
-        conf.close();
+        QVERIFY(TestMedia::writeFile("mpvqt.conf", "ao=null\nvolume=37\n"));
 
         m_thread.start();
         m_mpv = new MpvController;
@@ -97,10 +95,8 @@ private slots:
     void brokenAndMissingFilesEndWithError()
     {
         const QString text = m_dir + "/text.mp4", empty = m_dir + "/empty.mp4";
-        QFile(empty).open(QIODevice::WriteOnly);
-        QFile file(text);
-        QVERIFY(file.open(QIODevice::WriteOnly) && file.write(QByteArray("only text\n").repeated(200)) > 0);
-        file.close();
+        QVERIFY(TestMedia::writeFile(empty, {}) &&
+                TestMedia::writeFile(text, QByteArray("only text\n").repeated(200)));
         for (const QString& path : {text, empty, m_dir + "/missing.mp4"}) {
             m_sequence.clear();
             load(path);

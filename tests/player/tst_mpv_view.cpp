@@ -31,12 +31,6 @@ struct Player
     MpvView* view = nullptr; // child of the window's content item
 };
 
-bool writeFile(const QString& path, const QByteArray& content)
-{
-    QFile file(path);
-    return file.open(QIODevice::WriteOnly) && file.write(content) == content.size();
-}
-
 QVariantMap rowOf(const QString& url)
 {
     for (const QVariantMap& row : SqlHelper::instance()->getVideoHistory(-1))
@@ -106,7 +100,7 @@ private slots:
         // Start-up makes the program's folder current: the option file and the history
         // database live there. No audio device is needed.
         QDir::setCurrent(m_dir);
-        QVERIFY(writeFile("mpvqt.conf", "ao=null\n"));
+        QVERIFY(TestMedia::writeFile("mpvqt.conf", "ao=null\n"));
     }
 
     void init() { SqlHelper::instance()->clearHistory(); }
@@ -231,8 +225,12 @@ private slots:
         QVERIFY(initCompleted.wait(10000));
         view->loadFile(m_pattern);
         const QColor top = rotation == 0.0 ? kRed : kBlue, bottom = rotation == 0.0 ? kBlue : kRed;
-        QVERIFY(showsColours(&window, {{{100, 90}, top}, {{100, 180}, bottom}, {{100, 250}, kGreen},
-                                       {{20, 90}, kGreen}, {{190, 70}, kWhite}, {{100, 50}, kBlack}}));
+        QVERIFY(showsColours(&window, {{{100, 90}, top},
+                                       {{100, 180}, bottom},
+                                       {{100, 250}, kGreen},
+                                       {{20, 90}, kGreen},
+                                       {{190, 70}, kWhite},
+                                       {{100, 50}, kBlack}}));
         view->stop();
     }
 
@@ -292,7 +290,8 @@ private slots:
     {
         Player p = open(320, 180);
         const QString empty = m_dir + "/empty.mp4", text = m_dir + "/text.mkv";
-        QVERIFY(writeFile(empty, {}) && writeFile(text, QByteArray("not a video\n").repeated(100)));
+        QVERIFY(TestMedia::writeFile(empty, {}) &&
+                TestMedia::writeFile(text, QByteArray("not a video\n").repeated(100)));
 
         QSignalSpy ended(p.view, &MpvView::playEnd);
         for (const QString& path : {m_dir + "/missing.mp4", empty, text}) {
@@ -325,7 +324,9 @@ private slots:
         QSignalSpy ended(v, &MpvView::playEnd);
         const QString folder = m_dir + "/folder";
         QVERIFY(QDir().mkpath(folder) && QFile::copy(m_short, folder + "/only.mp4"));
-        for (const QStringList& loads : {QStringList{m_pattern, m_short, m_pattern, m_short, m_pattern, m_short}, QStringList{folder}, QStringList{m_short}}) {
+        for (const QStringList& loads :
+             {QStringList{m_pattern, m_short, m_pattern, m_short, m_pattern, m_short}, QStringList{folder},
+              QStringList{m_short}}) {
             for (const QString& file : loads)
                 v->loadFile(file);
             QTRY_VERIFY2_WITH_TIMEOUT(v->position() > 0.3, qPrintable(loads.last()), 10000);
@@ -344,12 +345,13 @@ private slots:
         QTest::qWait(300);
         (void)p.window->grabWindow();
 
-        QVERIFY(writeFile("mpvqt.conf", "ao=null\nno-such-option=1\nvolume=loud\n[[[\n\xff\xfe\n"));
+        QVERIFY(
+            TestMedia::writeFile("mpvqt.conf", "ao=null\nno-such-option=1\nvolume=loud\n[[[\n\xff\xfe\n"));
         p.view = new MpvView(p.window->contentItem());
         p.view->setSize(QSizeF(320, 180));
         QSignalSpy initCompleted(p.view, &MpvView::initCompleted);
         const bool started = initCompleted.wait(10000);
-        QVERIFY(writeFile("mpvqt.conf", "ao=null\n"));
+        QVERIFY(TestMedia::writeFile("mpvqt.conf", "ao=null\n"));
         QVERIFY(started);
         p.view->loadFile(m_pattern);
         QVERIFY(showsColours(p.window.get(), {{{160, 20}, kRed}, {{160, 160}, kBlue}}));

@@ -2,7 +2,8 @@ import QtQuick 2.15
 import QtTest 1.2
 import CustomUtils 1.0
 
-// The pointer conventions shared by the clickable controls and the icon stem rule.
+// The control library: the two halves of the module, the clickable controls' pointer
+// conventions and icon stem rule, the check group, the fields and the wave progress.
 // Mouse input reaches only items inside the view's root, so the cases live in a plain root item.
 Item {
     id: scene
@@ -10,7 +11,15 @@ Item {
     height: 300
 
     TestCase {
-        id: testCase
+        name: "Module"
+
+        function test_bothHalvesLoad() {
+            compare(String(Theme.accent).toUpperCase(), "#A338FE")
+            verify(typeof CommonTool.formatTime === "function")
+        }
+    }
+
+    TestCase {
         name: "Controls"
         when: windowShown
 
@@ -123,6 +132,204 @@ Item {
             verify(free.checked)
             mouseClick(free)
             verify(!free.checked)
+        }
+    }
+
+    // The check group's rules, driven through real buttons clicked by the pointer.
+    TestCase {
+        name: "CheckButtonGroup"
+        when: windowShown
+
+        Component {
+            id: groupWithRows
+            Column {
+                property alias group: group
+                property alias rows: rows
+                property var calls: []
+                CCheckButtonGroup {
+                    id: group
+                    handleCheckedChanged: function (index) { calls.push(index) }
+                }
+                Repeater {
+                    id: rows
+                    model: ["3x", "2x", "1x", "0.5x"]
+                    CCheckTextButton {
+                        text: modelData
+                        checked: index === 2
+                        buttonGroup: group
+                    }
+                }
+            }
+        }
+
+        function make(exclusive) {
+            const view = createTemporaryObject(groupWithRows, scene)
+            verify(view)
+            view.group.exclusive = exclusive
+            return view
+        }
+
+        function test_registrationOrderIsTheIndex() {
+            const view = make(true)
+            compare(view.group.buttons.length, 4)
+            for (let i = 0; i < 4; ++i)
+                compare(view.group.buttons[i], view.rows.itemAt(i))
+            compare(view.group.checkedButton, view.rows.itemAt(2))
+        }
+
+        function test_click_data() {
+            return [
+                { tag: "exclusive: another row", exclusive: true, clicks: [0], checked: [0], calls: [0] },
+                { tag: "exclusive: the checked row again", exclusive: true, clicks: [2, 2], checked: [2], calls: [] },
+                { tag: "exclusive: back and forth", exclusive: true, clicks: [1, 2, 1], checked: [1], calls: [1, 2, 1] },
+                { tag: "non-exclusive toggles", exclusive: false, clicks: [0, 2, 3], checked: [0, 3], calls: [] },
+            ]
+        }
+
+        function test_click(data) {
+            const view = make(data.exclusive)
+            for (const i of data.clicks)
+                mouseClick(view.rows.itemAt(i))
+            const checked = view.group.getCheckedButtons().map(function (b) { return view.group.buttons.indexOf(b) })
+            compare(checked, data.checked)
+            compare(view.calls, data.calls)
+            if (data.exclusive)
+                compare(view.group.checkedButton, view.rows.itemAt(data.checked[0]))
+        }
+
+        function test_membership() {
+            const view = make(true)
+            const group = view.group
+            group.checkButtonByIndex(7)
+            group.checkButtonByIndex(-1)
+            compare(view.calls, [])
+
+            group.addButton(view.rows.itemAt(0))
+            compare(group.buttons.length, 4)
+
+            // A checked row leaving takes the group's choice with it.
+            view.rows.model = ["a", "b"]
+            compare(group.buttons.length, 2)
+            compare(group.checkedButton, null)
+
+            // A later checked arrival replaces an earlier one.
+            view.rows.model = ["a", "b", "c", "d"]
+            compare(group.buttons.length, 4)
+            compare(group.checkedButton, view.rows.itemAt(2))
+        }
+    }
+
+    // Text field edits and combo box rows.
+    TestCase {
+        name: "Fields"
+        when: windowShown
+
+        Component {
+            id: field
+            CTextField {
+                property var edits: []
+                width: 120
+                onValueEdited: edits.push(text)
+            }
+        }
+        Component { id: combo; CComboBox {} }
+        Component {
+            id: listModel
+            ListModel {
+                ListElement { name: "H.264"; codec: 27 }
+                ListElement { name: "HEVC"; codec: 173 }
+            }
+        }
+
+        function test_valueEditedOnlyForUserEdits() {
+            const f = createTemporaryObject(field, scene, { text: "1080" })
+            f.setText("1920")
+            compare(f.text, "1920")
+            compare(f.edits, [])
+
+            f.forceActiveFocus()
+            f.cursorPosition = f.text.length
+            keyClick(Qt.Key_Backspace)
+            keyClick("5")
+            compare(f.edits, ["192", "1925"])
+
+            f.setText("")
+            compare(f.edits.length, 2)
+        }
+
+        function test_rowText_data() {
+            return [
+                { tag: "plain list", model: ["mp4", "mkv"], role: "", texts: ["mp4", "mkv"] },
+                { tag: "records with a role", model: [{ name: "1080p" }, { name: "720p" }], role: "name",
+                  texts: ["1080p", "720p"] },
+                { tag: "list model with a role", model: "listModel", role: "name", texts: ["H.264", "HEVC"] },
+            ]
+        }
+
+        function test_rowText(data) {
+            const model = data.model === "listModel" ? createTemporaryObject(listModel, scene) : data.model
+            const box = createTemporaryObject(combo, scene, { textRole: data.role, model: model })
+            compare(box.width, 140)
+            compare(box.height, 30)
+            mouseClick(box)
+            tryCompare(box.popup, "opened", true)
+            const list = box.popup.contentItem
+            tryCompare(list, "count", data.texts.length)
+            for (let i = 0; i < data.texts.length; ++i) {
+                list.currentIndex = i
+                compare(list.currentItem.text, data.texts[i])
+            }
+            verify(String(box.indicator.source).endsWith("down_press.png"))
+            list.currentIndex = 1
+            mouseClick(list.currentItem)
+            tryCompare(box.popup, "visible", false)
+            compare(box.currentIndex, 1)
+            compare(box.currentText, data.texts[1])
+            verify(String(box.indicator.source).endsWith("down.png"))
+        }
+    }
+
+    TestCase {
+        name: "WaveProgress"
+        when: windowShown
+
+        Component { id: wave; WaveProgress { radius: 100; radiusMargin: 5 } }
+
+        // The inner circle is 2 x (100 - 5) = 190 high; the fill's top sits 1.1 x that times the
+        // share still missing.
+        function test_fill_data() {
+            return [
+                { tag: "empty", value: 0, to: 100, loading: false, top: 209, spinning: true, label: "0/100" },
+                { tag: "half", value: 50, to: 100, loading: false, top: 104.5, spinning: true, label: "50/100" },
+                { tag: "done", value: 100, to: 100, loading: false, top: 0, spinning: false, label: "100/100" },
+                { tag: "nothing to count", value: 3, to: 0, loading: false, spinning: false, label: "3/0" },
+                { tag: "loading", value: 0, to: 100, loading: true, top: 209, spinning: true, label: "loading" },
+            ]
+        }
+
+        function test_fill(data) {
+            const w = createTemporaryObject(wave, scene, { to: data.to, value: data.value, loading: data.loading })
+            compare(w.width, 200)
+            compare(w.labelText, data.label)
+            compare(w.spinning, data.spinning)
+            if (data.top !== undefined)
+                fuzzyCompare(w.fillTop, data.top, 0.001)
+        }
+
+        function test_stop_data() {
+            return [ { tag: "loading", loading: true }, { tag: "counting", loading: false } ]
+        }
+
+        function test_stop(data) {
+            let stops = 0
+            const w = createTemporaryObject(wave, scene, { to: 100, value: 10, loading: data.loading,
+                                                              handleStop: function () { ++stops } })
+            verify(!w.stopShown)
+            mouseMove(w, 101, 100)
+            tryVerify(function () { return w.stopShown })
+            mouseClick(w, 100, 100)
+            compare(stops, 1)
+            verify(!w.visible)
         }
     }
 }

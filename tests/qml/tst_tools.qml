@@ -112,6 +112,9 @@ Item {
             window.startExport()            // no input: the page's message, the window stays busy
             compare(CMessageBox.text, "Please select a file to compress")
             verify(window.isRunning && window.progressVisible)
+            window.stop()                   // no job to wait for: idle at once
+            verify(!window.isRunning && !window.progressVisible)
+            window.startExport()
 
             CommonTool.videoCompressionFrameTotal(0)
             verify(!window.progressVisible)
@@ -141,9 +144,21 @@ Item {
             compare(page.outputName, "tool 720p_export.mp4")
             page.saveDirectory = FileHelper.getFileAbsolutePath(toolMediaUrl)
             progressSpy.target = window
+
+            // A stopped job still runs until its next look at the flag; no second one may
+            // start before its end, or the two would share the flag and the display.
+            window.startExport()
+            window.stop()
+            verify(!window.isRunning && !window.exportAllowed)
+            finished.wait(60000)
+            tryVerify(function () { return window.exportAllowed })
+
+            finished.clear()
+            progressSpy.clear()
             window.startExport()
             window.handleOpenFile = function () { opened++ }  // the folder itself is the desktop's business
             finished.wait(60000)
+            compare(finished.signalArguments[0][0], true)
             verify(progressSpy.count > 2, "the display moved " + progressSpy.count + " times")
             compare(CMessageBox.text, "Export success")
             compare(opened, 1)
@@ -181,6 +196,13 @@ Item {
                           audioCodecId: 86018, audioBitrate: 32 }))
 
             window.showIndex(3)
+            // Its rows are appended at run time, which its open list must show all the same.
+            var resolutionList = findChild(page, "resolutionBox").children[1]
+            mouseClick(resolutionList)
+            tryCompare(resolutionList.popup, "opened", true)
+            resolutionList.popup.contentItem.currentIndex = 2
+            compare(resolutionList.popup.contentItem.currentItem.text, "720p")
+            resolutionList.popup.close()
             window.openFile(toolMediaUrl)
             compare(page.outputName, "tool 720p_export.mp4")
             fuzzyCompare(page.scale, 1280 / 720, 1e-9)

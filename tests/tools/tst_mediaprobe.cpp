@@ -21,18 +21,13 @@ private:
     QString withSubtitle(const QString& codec, const QString& container)
     {
         const QString out = path(QStringLiteral("sub-%1.%2").arg(codec, container));
-        QStringList args{"-f", "lavfi", "-i", "testsrc=size=160x120:duration=1", "-f", "lavfi", "-i"};
-        args << "sine=duration=1"
-             << "-i" << path("s.srt") << "-map"
-             << "0"
-             << "-map"
-             << "1"
-             << "-map"
-             << "2";
         if (!QFile::exists(out))
-            TestMedia::ffmpeg(args << "-pix_fmt"
-                                   << "yuv420p"
-                                   << "-c:s" << codec << out);
+            TestMedia::ffmpeg({"-f",       "lavfi",       "-i",   "testsrc=size=160x120:duration=1",
+                               "-f",       "lavfi",       "-i",   "sine=duration=1",
+                               "-i",       path("s.srt"), "-map", "0",
+                               "-map",     "1",           "-map", "2",
+                               "-pix_fmt", "yuv420p",     "-c:s", codec,
+                               out});
         return out;
     }
 
@@ -139,7 +134,8 @@ private slots:
     void negativeContainerDurationCountsAsUnknown()
     {
         const QString file = path("negative.mkv");
-        QVERIFY(TestMedia::ffmpeg({"-f", "lavfi", "-i", "testsrc=size=160x120:duration=1", "-pix_fmt", "yuv420p", file}));
+        QVERIFY(TestMedia::ffmpeg(
+            {"-f", "lavfi", "-i", "testsrc=size=160x120:duration=1", "-pix_fmt", "yuv420p", file}));
         QByteArray bytes = TestMedia::fileBytes(file);
         // Matroska's Duration element: id 0x4489, then an 8-byte big-endian float.
         const int at = bytes.indexOf(QByteArray("\x44\x89\x88", 3));
@@ -164,7 +160,8 @@ private slots:
                                    "rawvideo", "-pix_fmt", "yuv420p", file}));
         QByteArray bytes = TestMedia::fileBytes(file);
         // PixelWidth (0xB0) 640 and PixelHeight (0xBA) 360 as two-byte values, and the codec name.
-        for (const QByteArray& field : {QByteArray("\xB0\x82\x02\x80", 4), QByteArray("\xBA\x82\x01\x68", 4)}) {
+        for (const QByteArray& field :
+             {QByteArray("\xB0\x82\x02\x80", 4), QByteArray("\xBA\x82\x01\x68", 4)}) {
             const int at = bytes.indexOf(field);
             QVERIFY(at > 0);
             bytes[at + 2] = '\xFF';

@@ -54,25 +54,28 @@ private slots:
     void everyTripleMatchesTheIntegerFormula()
     {
         // Every Y with every U and V, against the formula written out, including the extremes
-        // that push each channel furthest past 0 and 255. One 256x2 frame per chroma pair, its
-        // first row holding Y = 0..255.
+        // that push each channel furthest past 0 and 255. One 257x2 frame per chroma pair, its
+        // rows holding Y = 0..255 and an odd last column (a chroma sample of its own) whose Y
+        // moves with the pair.
         auto clamp = [](int x) { return std::min(255, std::max(0, x)); };
-        std::vector<uint8_t> data(256 * 2 + 2 * 128);
+        const int w = 257;
+        std::vector<uint8_t> data(w * 2 + 2 * 129);
         for (int x = 0; x < 256; ++x)
-            data[x] = data[256 + x] = uint8_t(x);
-        std::vector<uint8_t> rgb(256 * 2 * 3);
+            data[x] = data[w + x] = uint8_t(x);
+        std::vector<uint8_t> rgb(w * 2 * 3);
         for (int u = 0; u < 256; ++u) {
             for (int v = 0; v < 256; ++v) {
-                std::fill(data.begin() + 512, data.begin() + 640, uint8_t(u));
-                std::fill(data.begin() + 640, data.end(), uint8_t(v));
-                yuv420ToRgb24(data.data(), 256, 2, rgb.data(), 256 * 3);
-                for (int y = 0; y < 256; ++y) {
-                    const int c = y - 16;
-                    const uint8_t* px = rgb.data() + 3 * y;
+                data[w - 1] = data[2 * w - 1] = uint8_t(u ^ v);
+                std::fill(data.begin() + 2 * w, data.begin() + 2 * w + 129, uint8_t(u));
+                std::fill(data.begin() + 2 * w + 129, data.end(), uint8_t(v));
+                yuv420ToRgb24(data.data(), w, 2, rgb.data(), w * 3);
+                for (int x = 0; x < 2 * w; ++x) {
+                    const int c = data[x] - 16;
+                    const uint8_t* px = rgb.data() + 3 * x;
                     if (int(px[0]) != clamp((298 * c + 409 * v - 52224) >> 8) ||
                         int(px[1]) != clamp((298 * c - 100 * u - 208 * v + 39552) >> 8) ||
                         int(px[2]) != clamp((298 * c + 516 * u - 65920) >> 8))
-                        QFAIL(qPrintable(QStringLiteral("wrong at Y=%1 U=%2 V=%3").arg(y).arg(u).arg(v)));
+                        QFAIL(qPrintable(QStringLiteral("wrong at x=%1 U=%2 V=%3").arg(x).arg(u).arg(v)));
                 }
             }
         }
