@@ -62,6 +62,7 @@ void MprisService::playerCreated(MpvView* view)
 
 MprisService::MprisService(QObject* parent) : QObject(parent)
 {
+    MpvView::setCreatedHook(&MprisService::playerCreated);
     new MprisRootAdaptor(this);
     new MprisPlayerAdaptor(this);
 }

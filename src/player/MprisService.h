@@ -22,7 +22,7 @@ public:
     static constexpr const char* kServiceName = "org.mpris.MediaPlayer2.vidora";
     static constexpr const char* kObjectPath = "/org/mpris/MediaPlayer2";
 
-    // Process-wide; exists before it is registered, so views and QML may reach it early.
+    // Process-wide; made before the scene, so it hears of every player view.
     static MprisService* instance();
     // Every player view reports here when it is made; the newest one is controlled.
     static void playerCreated(MpvView* view);

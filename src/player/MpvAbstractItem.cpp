@@ -1,6 +1,5 @@
 #include "MpvAbstractItem.h"
 
-#include "MpvRenderer.h"
 #include "MpvSession.h"
 
 #include "FramebufferBlitNode.h"
@@ -58,7 +57,8 @@ bool MpvAbstractItem::event(QEvent* event)
 
 QQuickFramebufferObject::Renderer* MpvAbstractItem::createRenderer() const
 {
-    return new MpvRenderer(const_cast<MpvAbstractItem*>(this));
+    auto* self = const_cast<MpvAbstractItem*>(this);
+    return new MpvRenderer(m_session, self, self->m_target);
 }
 
 QSGNode* MpvAbstractItem::updatePaintNode(QSGNode* node, UpdatePaintNodeData* data)
@@ -74,12 +74,12 @@ QSGNode* MpvAbstractItem::updatePaintNode(QSGNode* node, UpdatePaintNodeData* da
     FramebufferBlitNode* blit = nullptr;
     for (QSGNode* child = textureNode->firstChild(); child && !blit; child = child->nextSibling())
         blit = dynamic_cast<FramebufferBlitNode*>(child);
-    if (m_framebuffer && canBlitFramebuffer()) {
+    if (m_target.framebuffer && canBlitFramebuffer()) {
         if (!blit) {
             blit = new FramebufferBlitNode;
             textureNode->appendChildNode(blit);
         }
-        blit->setSource(m_framebuffer, m_framebufferSize, QRectF(0, 0, width(), height()));
+        blit->setSource(m_target.framebuffer, m_target.size, QRectF(0, 0, width(), height()));
         textureNode->setRect(QRectF());
         return node;
     }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "MpvController.h"
+#include "MpvRenderer.h"
 
 #include <QQuickFramebufferObject>
 #include <QVariant>
@@ -45,8 +46,6 @@ protected:
     bool event(QEvent* event) override;
 
 private:
-    friend class MpvRenderer;
-
     // Whether the framebuffer can reach the window by a plain copy instead of a textured
     // quad. Render thread, during sync.
     bool canBlitFramebuffer() const;
@@ -54,8 +53,5 @@ private:
     QThread* m_thread = nullptr;
     MpvController* m_controller = nullptr; // lives on m_thread, deleted when it finishes
     std::shared_ptr<MpvSession> m_session;
-    bool m_readyEmitted = false; // written during sync only
-    // The renderer's framebuffer, recorded when it is made (during sync, render thread).
-    unsigned int m_framebuffer = 0;
-    QSize m_framebufferSize;
+    MpvRenderTarget m_target; // the renderer's, written during sync only
 };

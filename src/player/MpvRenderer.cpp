@@ -1,6 +1,5 @@
 #include "MpvRenderer.h"
 
-#include "MpvAbstractItem.h"
 #include "MpvSession.h"
 
 #include <QOpenGLContext>
@@ -8,7 +7,10 @@
 #include <QOpenGLFunctions>
 #include <QQuickWindow>
 
-MpvRenderer::MpvRenderer(MpvAbstractItem* item) : m_item(item), m_session(item->m_session) {}
+MpvRenderer::MpvRenderer(std::shared_ptr<MpvSession> session, QObject* item, MpvRenderTarget& target)
+    : m_session(std::move(session)), m_item(item), m_target(target)
+{
+}
 
 MpvRenderer::~MpvRenderer()
 {
@@ -25,8 +27,8 @@ void MpvRenderer::synchronize(QQuickFramebufferObject* item)
 QOpenGLFramebufferObject* MpvRenderer::createFramebufferObject(const QSize& size)
 {
     // Runs during sync, so the item may be touched. A resize keeps the render context.
-    if (m_session->ensureRenderContext() && !m_item->m_readyEmitted) {
-        m_item->m_readyEmitted = true;
+    if (m_session->ensureRenderContext() && !m_target.readyEmitted) {
+        m_target.readyEmitted = true;
         QMetaObject::invokeMethod(m_item, "ready", Qt::QueuedConnection);
     }
     auto* fbo = new QOpenGLFramebufferObject(size);
@@ -40,8 +42,8 @@ QOpenGLFramebufferObject* MpvRenderer::createFramebufferObject(const QSize& size
                          nullptr);
         gl->glBindTexture(GL_TEXTURE_2D, 0);
     }
-    m_item->m_framebuffer = fbo->handle();
-    m_item->m_framebufferSize = fbo->size();
+    m_target.framebuffer = fbo->handle();
+    m_target.size = fbo->size();
     return fbo;
 }
 

@@ -1,11 +1,21 @@
 #pragma once
 
 #include <QQuickFramebufferObject>
+#include <QSize>
 #include <memory>
 
-class MpvAbstractItem;
 class MpvSession;
 class QQuickWindow;
+
+// What the renderer tells its item about the framebuffer it draws into. Written on the render
+// thread during sync only, while the GUI thread waits; the item reads it when it builds its
+// scene node.
+struct MpvRenderTarget
+{
+    bool readyEmitted = false; // the item's ready() has been posted
+    unsigned int framebuffer = 0;
+    QSize size;
+};
 
 // Draws libmpv's frames into the item's framebuffer. Lives on the scene graph's render
 // thread; it touches its item only while the GUI thread is blocked (sync and framebuffer
@@ -13,7 +23,8 @@ class QQuickWindow;
 class MpvRenderer : public QQuickFramebufferObject::Renderer
 {
 public:
-    explicit MpvRenderer(MpvAbstractItem* item);
+    // `item` receives ready() once the render context exists; `target` belongs to it.
+    MpvRenderer(std::shared_ptr<MpvSession> session, QObject* item, MpvRenderTarget& target);
     ~MpvRenderer() override;
 
     void synchronize(QQuickFramebufferObject* item) override;
@@ -21,7 +32,8 @@ public:
     void render() override;
 
 private:
-    MpvAbstractItem* m_item;
     std::shared_ptr<MpvSession> m_session;
+    QObject* m_item;
+    MpvRenderTarget& m_target;
     QQuickWindow* m_window = nullptr;
 };

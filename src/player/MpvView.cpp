@@ -2,7 +2,6 @@
 
 #include "AppPaths.h"
 #include "FileHelper.h"
-#include "MprisService.h"
 #include "MpvClientPtr.h"
 #include "SqlHelper.h"
 #include "ThreadPool.h"
@@ -17,6 +16,8 @@
 #include <spdlog/spdlog.h>
 
 namespace {
+
+void (*g_createdHook)(MpvView*) = nullptr;
 
 // How long every on-screen message stays, in milliseconds.
 const QString kMessageDuration = QStringLiteral("2000");
@@ -94,7 +95,13 @@ MpvView::MpvView(QQuickItem* parent) : MpvAbstractItem(parent)
     connect(mpv, &MpvController::videoReconfig, this, &MpvView::videoReconfig, Qt::QueuedConnection);
     connect(mpv, &MpvController::endFile, this, &MpvView::onEndFile, Qt::QueuedConnection);
     connect(this, &MpvAbstractItem::ready, this, &MpvView::onReady);
-    MprisService::playerCreated(this);
+    if (g_createdHook)
+        g_createdHook(this);
+}
+
+void MpvView::setCreatedHook(void (*hook)(MpvView*))
+{
+    g_createdHook = hook;
 }
 
 MpvView::~MpvView()

@@ -45,6 +45,9 @@ public:
     Q_ENUM(ASPECT_RATIO)
 
     explicit MpvView(QQuickItem* parent = nullptr);
+    // Called with every view as it is made (GUI thread); whoever follows the newest player,
+    // as the desktop's media controls do, sets it once at start-up.
+    static void setCreatedHook(void (*hook)(MpvView*));
     // Saves the playing file's resume point when the view goes without a stop().
     ~MpvView() override;
 
