@@ -16,11 +16,15 @@
 #include <QLocalServer>
 #include <QQmlApplicationEngine>
 #include <QSurfaceFormat>
+#include <QTimer>
 #include <QTranslator>
 #include <QUrl>
 #include <memory>
 #include <spdlog/spdlog.h>
 #include <unistd.h>
+#ifdef __GLIBC__
+#include <malloc.h>
+#endif
 
 namespace {
 
@@ -141,6 +145,11 @@ int main(int argc, char* argv[])
 
     if (!words.isEmpty())
         handleCommandLineWords(words);
+#ifdef __GLIBC__
+    // Building the scene frees much of what it allocates (compiling, decoding, shader builds),
+    // but the allocator keeps freed pages for reuse; give them back once the window stands.
+    QTimer::singleShot(3000, [] { malloc_trim(0); });
+#endif
 
     const int code = app.exec();
     engine.reset();
