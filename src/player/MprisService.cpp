@@ -63,8 +63,8 @@ void MprisService::playerCreated(MpvView* view)
 MprisService::MprisService(QObject* parent) : QObject(parent)
 {
     MpvView::setCreatedHook(&MprisService::playerCreated);
-    new MprisRootAdaptor(this);
-    new MprisPlayerAdaptor(this);
+    new MprisRootAdaptor(this, this);
+    new MprisPlayerAdaptor(this, this);
 }
 
 bool MprisService::start(QDBusConnection bus)

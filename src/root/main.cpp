@@ -6,6 +6,7 @@
 #include "SignalWatcher.h"
 #include "SingleInstance.h"
 #include "SqlHelper.h"
+#include "VideoWindowSetup.h"
 
 #include <QCoreApplication>
 #include <QDir>
@@ -15,7 +16,6 @@
 #include <QGuiApplication>
 #include <QLocalServer>
 #include <QQmlApplicationEngine>
-#include <QSurfaceFormat>
 #include <QTimer>
 #include <QTranslator>
 #include <QUrl>
@@ -60,18 +60,7 @@ QString executableFolder(const char* argv0)
 int main(int argc, char* argv[])
 {
     QCoreApplication::setAttribute(Qt::AA_EnableHighDpiScaling);
-    // The scene clips only along axis-aligned rectangles (scissor), so windows need neither
-    // depth nor stencil buffers; with software OpenGL every frame would clear and test them.
-    QSurfaceFormat format = QSurfaceFormat::defaultFormat();
-    format.setDepthBufferSize(0);
-    format.setStencilBufferSize(0);
-    format.setSamples(0);
-    QSurfaceFormat::setDefaultFormat(format);
-    // Qt holds every window update request back 5 ms to gather more; each new video frame
-    // would reach the screen that much later, the first one included. Updates made in one
-    // pass of the event loop are still drawn as one frame.
-    if (!qEnvironmentVariableIsSet("QT_QPA_UPDATE_IDLE_TIME"))
-        qputenv("QT_QPA_UPDATE_IDLE_TIME", "0");
+    prepareVideoWindows();
     // Small images share one texture, by default as large as the window (about 4 MB with a
     // software renderer); the window's icons need a fraction of that.
     if (!qEnvironmentVariableIsSet("QSG_ATLAS_WIDTH") && !qEnvironmentVariableIsSet("QSG_ATLAS_HEIGHT")) {
