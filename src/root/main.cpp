@@ -16,11 +16,15 @@
 #include <QGuiApplication>
 #include <QLocalServer>
 #include <QQmlApplicationEngine>
+#include <QTimer>
 #include <QTranslator>
 #include <QUrl>
 #include <memory>
 #include <spdlog/spdlog.h>
 #include <unistd.h>
+#ifdef __GLIBC__
+#include <malloc.h>
+#endif
 
 namespace {
 
@@ -57,6 +61,12 @@ int main(int argc, char* argv[])
 {
     QCoreApplication::setAttribute(Qt::AA_EnableHighDpiScaling);
     prepareVideoWindows();
+    // Small images share one texture, by default as large as the window (about 4 MB with a
+    // software renderer); the window's icons need a fraction of that.
+    if (!qEnvironmentVariableIsSet("QSG_ATLAS_WIDTH") && !qEnvironmentVariableIsSet("QSG_ATLAS_HEIGHT")) {
+        qputenv("QSG_ATLAS_WIDTH", "512");
+        qputenv("QSG_ATLAS_HEIGHT", "512");
+    }
     QGuiApplication app(argc, argv);
 
     const QStringList words = argumentsAfterProgram(argc, argv);
@@ -124,6 +134,11 @@ int main(int argc, char* argv[])
 
     if (!words.isEmpty())
         handleCommandLineWords(words);
+#ifdef __GLIBC__
+    // Building the scene frees much of what it allocates (compiling, decoding, shader builds),
+    // but the allocator keeps freed pages for reuse; give them back once the window stands.
+    QTimer::singleShot(3000, [] { malloc_trim(0); });
+#endif
 
     const int code = app.exec();
     engine.reset();
