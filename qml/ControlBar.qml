@@ -144,7 +144,10 @@ Item {
                 last = now
                 seconds = Logic.previewSeconds(mouse.x, width, root.player.duration)
                 preview.x = Logic.previewX(mouse.x, preview.width, width)
-                thumbnail.loadThumbnailFromUrl(root.fileUrl, seconds)
+                if (thumbnailLoader.item)
+                    thumbnailLoader.item.loadThumbnailFromUrl(root.fileUrl, seconds)
+                else
+                    thumbnailLoader.active = true
             }
         }
     }
@@ -159,16 +162,21 @@ Item {
         color: Theme.panel
         visible: seekHover.containsMouse && root.fileUrl.length > 0
 
-        ThumbnailItem {
-            id: thumbnail
+        // The decoder and its textures are made on the first hover and then kept.
+        Loader {
+            id: thumbnailLoader
             anchors.centerIn: parent
             width: 210
             height: 130
-            // A load that changes the item's size drops its frame: ask again at the new size.
-            onSignalUpdate: {
-                if ((width > 0 || height > 0) && root.fileUrl.length > 0)
-                    loadThumbnailFromUrl(root.fileUrl, seekHover.seconds)
+            active: false
+            sourceComponent: ThumbnailItem {
+                // A load that changes the item's size drops its frame: ask again at the new size.
+                onSignalUpdate: {
+                    if ((width > 0 || height > 0) && root.fileUrl.length > 0)
+                        loadThumbnailFromUrl(root.fileUrl, seekHover.seconds)
+                }
             }
+            onLoaded: item.loadThumbnailFromUrl(root.fileUrl, seekHover.seconds)
         }
         Text {
             anchors.horizontalCenter: parent.horizontalCenter

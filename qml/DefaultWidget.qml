@@ -8,7 +8,19 @@ Item {
 
     property var handleOpenFile: null
 
+    // The dialog is made on first use: most starts never open it, and it is not small.
+    property var dialog: null
+
     function openFile() {
+        if (!dialog) {
+            var component = Qt.createComponent("CFileDialog.qml")
+            dialog = component.createObject(root)
+            if (!dialog) {
+                console.warn("The file dialog is not available:", component.errorString())
+                return
+            }
+            dialog.handleSelected = function (urls) { root.take(urls) }
+        }
         dialog.open()
     }
 
@@ -23,12 +35,30 @@ Item {
         }
     }
 
+    // Decoded at the size shown rather than at the artwork's full 1920 x 1080: the picture and
+    // its texture stay in memory for as long as the empty state exists. A resize settles
+    // before the artwork is decoded again; meanwhile the last decode is stretched.
+    property size decodeSize: Qt.size(0, 0)
+
+    function settleSize() {
+        decodeSize = Qt.size(Math.ceil(width), Math.ceil(height))
+    }
+
     Image {
         anchors.fill: parent
-        source: "../Resources/control/default.png"
+        source: root.decodeSize.width > 0 && root.decodeSize.height > 0 ? "../Resources/control/default.png" : ""
+        sourceSize: root.decodeSize
         fillMode: Image.PreserveAspectCrop
         asynchronous: true
     }
+    Timer {
+        id: settle
+        interval: 150
+        onTriggered: root.settleSize()
+    }
+    onWidthChanged: settle.restart()
+    onHeightChanged: settle.restart()
+    Component.onCompleted: settleSize()
 
     // The free space above and below the button is shared 8 : 3.
     Rectangle {
@@ -61,10 +91,5 @@ Item {
     DropArea {
         anchors.fill: parent
         onDropped: root.take(drop.urls)
-    }
-
-    CFileDialog {
-        id: dialog
-        handleSelected: function (urls) { root.take(urls) }
     }
 }

@@ -17,7 +17,7 @@ Rectangle {
 
     // Gives the card of `index` its thumbnail, if that card exists.
     function setCardImage(index, source) {
-        var card = list.itemAtIndex(index)
+        var card = listLoader.item ? listLoader.item.itemAtIndex(index) : null
         if (!card)
             return
         card.imageSource = ""
@@ -69,50 +69,62 @@ Rectangle {
         }
     }
 
-    ListView {
-        id: list
-        objectName: "historyList"
+    // The cards, and the thumbnails they ask for, are made when the list is first opened.
+    onOpenChanged: if (open) listLoader.active = true
+
+    Loader {
+        id: listLoader
         anchors.top: header.bottom
         anchors.bottom: parent.bottom
         width: 240
-        clip: true
-        model: root.model
-        boundsBehavior: Flickable.StopAtBounds
+        active: false
+        sourceComponent: listComponent
+    }
 
-        delegate: CVideoCard {
-            width: 240 - 12
-            x: 4
-            videoUrl: model.url
-            videoTitle: model.filename
-            videoPos: model.lastPosition
-            videoDuration: Logic.cardDuration(model.duration, CommonTool.formatTime(model.duration))
-            indexNum: index
-            choosed: index === root.currentIndex
-            handleDelete: function () { if (typeof root.handleDelete === "function") root.handleDelete(videoUrl, index) }
-            onClicked: if (typeof root.handleOpen === "function") root.handleOpen(videoUrl)
-        }
+    Component {
+        id: listComponent
+        ListView {
+            id: list
+            objectName: "historyList"
+            clip: true
+            model: root.model
+            boundsBehavior: Flickable.StopAtBounds
 
-        ScrollBar.vertical: ScrollBar {
-            id: bar
-            width: 8
-            policy: ScrollBar.AlwaysOn
-            opacity: list.contentHeight > list.height || listHover.hovered ? 1 : 0
-            Behavior on opacity { NumberAnimation { duration: 300 } }
-            background: Rectangle {
-                color: bar.hovered || bar.pressed ? Theme.scrollTrackHover : Theme.transparent
-                Behavior on color { ColorAnimation { duration: 150 } }
+            delegate: CVideoCard {
+                width: 240 - 12
+                x: 4
+                videoUrl: model.url
+                videoTitle: model.filename
+                videoPos: model.lastPosition
+                videoDuration: Logic.cardDuration(model.duration, CommonTool.formatTime(model.duration))
+                indexNum: index
+                choosed: index === root.currentIndex
+                handleDelete: function () { if (typeof root.handleDelete === "function") root.handleDelete(videoUrl, index) }
+                onClicked: if (typeof root.handleOpen === "function") root.handleOpen(videoUrl)
             }
-            contentItem: Rectangle {
-                implicitWidth: bar.hovered || bar.pressed ? 8 : 2
-                x: bar.width - width
-                radius: width / 2
-                color: bar.pressed ? Theme.scrollHandlePressed
-                                   : bar.hovered ? Theme.scrollHandleHover : Theme.scrollHandle
-                Behavior on color { ColorAnimation { duration: 150 } }
-                Behavior on implicitWidth { NumberAnimation { duration: 150 } }
-            }
-        }
 
-        HoverHandler { id: listHover }
+            ScrollBar.vertical: ScrollBar {
+                id: bar
+                width: 8
+                policy: ScrollBar.AlwaysOn
+                opacity: list.contentHeight > list.height || listHover.hovered ? 1 : 0
+                Behavior on opacity { NumberAnimation { duration: 300 } }
+                background: Rectangle {
+                    color: bar.hovered || bar.pressed ? Theme.scrollTrackHover : Theme.transparent
+                    Behavior on color { ColorAnimation { duration: 150 } }
+                }
+                contentItem: Rectangle {
+                    implicitWidth: bar.hovered || bar.pressed ? 8 : 2
+                    x: bar.width - width
+                    radius: width / 2
+                    color: bar.pressed ? Theme.scrollHandlePressed
+                                       : bar.hovered ? Theme.scrollHandleHover : Theme.scrollHandle
+                    Behavior on color { ColorAnimation { duration: 150 } }
+                    Behavior on implicitWidth { NumberAnimation { duration: 150 } }
+                }
+            }
+
+            HoverHandler { id: listHover }
+        }
     }
 }

@@ -18,6 +18,9 @@ Window {
     property bool isReady: false
     property string url: ""
     property int bw: 10
+    // Made on first use, like the other windows and pop-ups that are not on screen at start:
+    // the dialog brings its own module and, without a desktop's dialog, a whole QML one.
+    property var fileDialog: null
 
     readonly property bool fillsWindow: isSmall || visibility === Window.Maximized
                                         || visibility === Window.FullScreen
@@ -79,6 +82,18 @@ Window {
     }
 
     function openFileDialog() {
+        if (!fileDialog) {
+            var component = Qt.createComponent("CFileDialog.qml")
+            fileDialog = component.createObject(window)
+            if (!fileDialog) {
+                console.warn("The file dialog is not available:", component.errorString())
+                return
+            }
+            fileDialog.handleSelected = function (urls) {
+                if (urls.length > 0)
+                    window.openFile(urls[0])
+            }
+        }
         fileDialog.open()
     }
 
@@ -178,14 +193,6 @@ Window {
         }
     }
 
-    CFileDialog {
-        id: fileDialog
-        handleSelected: function (urls) {
-            if (urls.length > 0)
-                window.openFile(urls[0])
-        }
-    }
-
     Timer {
         id: moveTimer
         interval: 1000
@@ -208,16 +215,9 @@ Window {
 
     // ---- frame --------------------------------------------------------------------------------
 
-    // The shadow is cast by a plain stand-in of the body, so the video is never drawn through it.
-    Rectangle {
-        id: shadowSource
-        anchors.fill: mainWindow
-        radius: mainWindow.radius
-        color: Theme.windowBackground
-        visible: !window.fillsWindow
-    }
     CShadowRectangle {
-        target: shadowSource
+        target: mainWindow
+        spread: 5
         visible: !window.fillsWindow
     }
 

@@ -11,6 +11,8 @@ PACKAGES=(
   clang libclang-rt-14-dev llvm
   # Qt 5.15 and the QML modules the scene imports
   qtbase5-dev qtdeclarative5-dev qtquickcontrols2-5-dev qttools5-dev-tools qttools5-dev
+  # the QML compiler, which compiles the scene when the program is built
+  qtdeclarative5-dev-tools
   qml-module-qtquick2 qml-module-qtquick-controls2 qml-module-qtquick-templates2
   qml-module-qtquick-dialogs qml-module-qtquick-controls qml-module-qtquick-layouts qml-module-qtquick-window2
   qml-module-qtgraphicaleffects qml-module-qt-labs-platform qml-module-qt-labs-settings

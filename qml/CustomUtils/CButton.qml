@@ -33,8 +33,13 @@ Rectangle {
         onClicked: root.clicked()
     }
 
-    CToolTip {
-        visible: root.toolTip.length > 0 && root.hovered
-        text: root.toolTip
+    // Made when first wanted: a window has many buttons and few of them are ever hovered.
+    Loader {
+        active: root.toolTip.length > 0 && root.hovered
+        sourceComponent: CToolTip {
+            parent: root
+            visible: true
+            text: root.toolTip
+        }
     }
 }

@@ -1,20 +1,33 @@
 import QtQuick 2.15
-import QtGraphicalEffects 1.15
 
-// A soft shadow all around `target`, drawn together with the target itself.
-DropShadow {
+// A soft shadow all around `target`: rounded outlines, one per pixel outwards, each fainter
+// than the last. Unlike a blurred copy of the target it needs no offscreen buffers, which on
+// a software renderer cost several window-sized textures and a redraw whenever the target
+// changes. Declare it before the target so it lies beneath.
+Item {
+    id: root
+
     property Item target: null
+    // How far the shadow reaches beyond the target, in pixels.
+    property int spread: 10
 
     anchors.fill: target
-    source: target
-    horizontalOffset: 0
-    verticalOffset: 0
-    radius: 10
-    samples: 25
-    color: Theme.shadow
-    // The blur is drawn once into a texture and only redrawn when the target changes. Left
-    // live, its 25-tap shader runs over the whole window in every scene-graph frame: under
-    // the main window that is every video frame, and with software OpenGL it cost more than
-    // decoding and drawing the video together (about 65 ms a frame).
-    cached: true
+
+    Repeater {
+        model: root.target ? root.spread : 0
+        Rectangle {
+            readonly property int step: index + 1
+            x: -step
+            y: -step
+            width: root.width + 2 * step
+            height: root.height + 2 * step
+            radius: (root.target && root.target.radius !== undefined ? root.target.radius : 0) + step
+            color: Theme.transparent
+            border.width: 1
+            border.color: Theme.shadow
+            // A Gaussian fall-off, as a blur of the edge would give.
+            opacity: 0.55 * Math.exp(-(step * step) / (root.spread * root.spread / 3))
+            antialiasing: true
+        }
+    }
 }

@@ -19,10 +19,13 @@ UserFboRenderer::~UserFboRenderer()
 
 void UserFboRenderer::render()
 {
+    // Runs whenever the item asked for it (a stored frame, a resize). Asking for the next
+    // render from here would make the whole window redraw without pause for as long as the
+    // preview exists, hidden or not: dozens of full-window frames a second with software
+    // OpenGL, competing with the video for the CPU.
     renderFrame();
     if (m_window)
         m_window->resetOpenGLState();
-    update();
 }
 
 QOpenGLFramebufferObject* UserFboRenderer::createFramebufferObject(const QSize& size)

@@ -8,8 +8,8 @@
 class QQuickWindow;
 struct ThumbnailLink;
 
-// ThumbnailItem's renderer: draws the YUV frame into the item's framebuffer object and asks
-// for the next scene-graph frame each time, so a stored frame shows without delay.
+// ThumbnailItem's renderer: draws the YUV frame into the item's framebuffer object whenever
+// the item asks (a frame was stored, the size changed).
 // Made and deleted by the scene graph on its render thread; on deletion it withdraws itself
 // from the link so load jobs stop handing it frames.
 class UserFboRenderer : public QQuickFramebufferObject::Renderer, public YUVRenderer

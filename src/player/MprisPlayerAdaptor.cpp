@@ -1,29 +1,31 @@
 #include "MprisPlayerAdaptor.h"
 
-#include "MprisService.h"
+#include "MprisControls.h"
 
-MprisPlayerAdaptor::MprisPlayerAdaptor(MprisService* service) : QDBusAbstractAdaptor(service), m_service(service)
+MprisPlayerAdaptor::MprisPlayerAdaptor(QObject* service, MprisControls* controls)
+    : QDBusAbstractAdaptor(service), m_controls(controls)
 {
-    connect(service, &MprisService::seeked, this, &MprisPlayerAdaptor::Seeked);
+    // The service announces position jumps as seeked(qlonglong).
+    connect(service, SIGNAL(seeked(qlonglong)), this, SIGNAL(Seeked(qlonglong)));
 }
 
-QString MprisPlayerAdaptor::playbackStatus() const { return m_service->playbackStatus(); }
-double MprisPlayerAdaptor::rate() const { return m_service->rate(); }
-void MprisPlayerAdaptor::setRate(double rate) { m_service->setRate(rate); }
-QVariantMap MprisPlayerAdaptor::metadata() const { return m_service->metadata(); }
-double MprisPlayerAdaptor::volume() const { return m_service->volume(); }
-void MprisPlayerAdaptor::setVolume(double volume) { m_service->setVolume(volume); }
-qlonglong MprisPlayerAdaptor::position() const { return m_service->positionMicroseconds(); }
+QString MprisPlayerAdaptor::playbackStatus() const { return m_controls->playbackStatus(); }
+double MprisPlayerAdaptor::rate() const { return m_controls->rate(); }
+void MprisPlayerAdaptor::setRate(double rate) { m_controls->setRate(rate); }
+QVariantMap MprisPlayerAdaptor::metadata() const { return m_controls->metadata(); }
+double MprisPlayerAdaptor::volume() const { return m_controls->volume(); }
+void MprisPlayerAdaptor::setVolume(double volume) { m_controls->setVolume(volume); }
+qlonglong MprisPlayerAdaptor::position() const { return m_controls->positionMicroseconds(); }
 
-void MprisPlayerAdaptor::Next() { emit m_service->nextRequested(); }
-void MprisPlayerAdaptor::Previous() { emit m_service->previousRequested(); }
-void MprisPlayerAdaptor::Pause() { m_service->pause(); }
-void MprisPlayerAdaptor::PlayPause() { m_service->playPause(); }
-void MprisPlayerAdaptor::Stop() { m_service->stop(); }
-void MprisPlayerAdaptor::Play() { m_service->play(); }
-void MprisPlayerAdaptor::Seek(qlonglong Offset) { m_service->seek(Offset); }
+void MprisPlayerAdaptor::Next() { m_controls->next(); }
+void MprisPlayerAdaptor::Previous() { m_controls->previous(); }
+void MprisPlayerAdaptor::Pause() { m_controls->pause(); }
+void MprisPlayerAdaptor::PlayPause() { m_controls->playPause(); }
+void MprisPlayerAdaptor::Stop() { m_controls->stop(); }
+void MprisPlayerAdaptor::Play() { m_controls->play(); }
+void MprisPlayerAdaptor::Seek(qlonglong Offset) { m_controls->seek(Offset); }
 void MprisPlayerAdaptor::SetPosition(const QDBusObjectPath& TrackId, qlonglong Position)
 {
-    m_service->setPosition(TrackId, Position);
+    m_controls->setPosition(TrackId, Position);
 }
-void MprisPlayerAdaptor::OpenUri(const QString& Uri) { m_service->openUri(Uri); }
+void MprisPlayerAdaptor::OpenUri(const QString& Uri) { m_controls->openUri(Uri); }

@@ -4,7 +4,7 @@
 #include <QDBusObjectPath>
 #include <QVariantMap>
 
-class MprisService;
+class MprisControls;
 
 // org.mpris.MediaPlayer2.Player: transport, position, volume, rate and what is playing.
 // Positions and lengths are in microseconds, volume 1.0 is the player's 100 %.
@@ -27,7 +27,8 @@ class MprisPlayerAdaptor : public QDBusAbstractAdaptor
     Q_PROPERTY(bool CanControl READ canControl)
 
 public:
-    explicit MprisPlayerAdaptor(MprisService* service);
+    // Attaches itself to `service`, which the bus exports; `controls` answers its calls.
+    MprisPlayerAdaptor(QObject* service, MprisControls* controls);
 
     QString playbackStatus() const;
     double rate() const;
@@ -56,5 +57,5 @@ signals:
     void Seeked(qlonglong Position);
 
 private:
-    MprisService* m_service;
+    MprisControls* m_controls;
 };

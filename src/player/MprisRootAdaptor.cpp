@@ -1,9 +1,12 @@
 #include "MprisRootAdaptor.h"
 
-#include "MprisService.h"
+#include "MprisControls.h"
 #include "VidoraMimeTypes.h"
 
-MprisRootAdaptor::MprisRootAdaptor(MprisService* service) : QDBusAbstractAdaptor(service), m_service(service) {}
+MprisRootAdaptor::MprisRootAdaptor(QObject* service, MprisControls* controls)
+    : QDBusAbstractAdaptor(service), m_controls(controls)
+{
+}
 
 QString MprisRootAdaptor::identity() const { return QStringLiteral("Vidora"); }
 
@@ -17,6 +20,6 @@ QStringList MprisRootAdaptor::supportedMimeTypes() const
     return QString::fromLatin1(kVidoraMimeTypes).split(QLatin1Char(';'), Qt::SkipEmptyParts);
 }
 
-void MprisRootAdaptor::Raise() { m_service->raise(); }
+void MprisRootAdaptor::Raise() { m_controls->raise(); }
 
-void MprisRootAdaptor::Quit() { m_service->quit(); }
+void MprisRootAdaptor::Quit() { m_controls->quit(); }

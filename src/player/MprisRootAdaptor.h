@@ -3,7 +3,7 @@
 #include <QDBusAbstractAdaptor>
 #include <QStringList>
 
-class MprisService;
+class MprisControls;
 
 // org.mpris.MediaPlayer2: who the player is and what it opens.
 class MprisRootAdaptor : public QDBusAbstractAdaptor
@@ -19,7 +19,8 @@ class MprisRootAdaptor : public QDBusAbstractAdaptor
     Q_PROPERTY(QStringList SupportedMimeTypes READ supportedMimeTypes)
 
 public:
-    explicit MprisRootAdaptor(MprisService* service);
+    // Attaches itself to `service`, which the bus exports; `controls` answers its calls.
+    MprisRootAdaptor(QObject* service, MprisControls* controls);
 
     bool canQuit() const { return true; }
     bool canRaise() const { return true; }
@@ -34,5 +35,5 @@ public slots:
     void Quit();
 
 private:
-    MprisService* m_service;
+    MprisControls* m_controls;
 };

@@ -6,6 +6,7 @@
 #include "MprisPlayerAdaptor.h"
 #include "MprisRootAdaptor.h"
 #include "MpvView.h"
+#include "ProcessWide.h"
 #include "ThreadPool.h"
 #include "YuvToRgb.h"
 
@@ -51,8 +52,12 @@ QVariant comparable(const QVariant& value)
 
 MprisService* MprisService::instance()
 {
-    static MprisService* service = new MprisService(QCoreApplication::instance());
-    return service;
+    return &processWide<MprisService>();
+}
+
+MprisService* MprisService::makeProcessWide()
+{
+    return new MprisService;
 }
 
 void MprisService::playerCreated(MpvView* view)
@@ -63,8 +68,8 @@ void MprisService::playerCreated(MpvView* view)
 MprisService::MprisService(QObject* parent) : QObject(parent)
 {
     MpvView::setCreatedHook(&MprisService::playerCreated);
-    new MprisRootAdaptor(this);
-    new MprisPlayerAdaptor(this);
+    new MprisRootAdaptor(this, this);
+    new MprisPlayerAdaptor(this, this);
 }
 
 bool MprisService::start(QDBusConnection bus)

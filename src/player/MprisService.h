@@ -1,5 +1,7 @@
 #pragma once
 
+#include "MprisControls.h"
+
 #include <QDBusConnection>
 #include <QDBusObjectPath>
 #include <QObject>
@@ -15,7 +17,7 @@ class MpvView;
 // (next and previous in the history order, opening a file) goes out as signals.
 //
 // GUI thread only. Without a session bus start() fails quietly and the player works on.
-class MprisService : public QObject
+class MprisService : public QObject, public MprisControls
 {
     Q_OBJECT
 public:
@@ -24,6 +26,8 @@ public:
 
     // Process-wide; made before the scene, so it hears of every player view.
     static MprisService* instance();
+    // Only processWide() calls it: one service answers the bus and hears of the views.
+    static MprisService* makeProcessWide();
     // Every player view reports here when it is made; the newest one is controlled.
     static void playerCreated(MpvView* view);
 
@@ -34,22 +38,24 @@ public:
     void setPlayer(MpvView* view);
 
     // Read and driven by the two interfaces.
-    QString playbackStatus() const;
-    QVariantMap metadata() const;
-    qlonglong positionMicroseconds() const;
-    double volume() const;
-    void setVolume(double volume);
-    double rate() const;
-    void setRate(double rate);
-    void playPause();
-    void play();
-    void pause();
-    void stop();
-    void seek(qlonglong offsetMicroseconds);
-    void setPosition(const QDBusObjectPath& trackId, qlonglong positionMicroseconds);
-    void openUri(const QString& uri);
-    void raise();
-    void quit();
+    QString playbackStatus() const override;
+    QVariantMap metadata() const override;
+    qlonglong positionMicroseconds() const override;
+    double volume() const override;
+    void setVolume(double volume) override;
+    double rate() const override;
+    void setRate(double rate) override;
+    void playPause() override;
+    void play() override;
+    void pause() override;
+    void stop() override;
+    void next() override { emit nextRequested(); }
+    void previous() override { emit previousRequested(); }
+    void seek(qlonglong offsetMicroseconds) override;
+    void setPosition(const QDBusObjectPath& trackId, qlonglong positionMicroseconds) override;
+    void openUri(const QString& uri) override;
+    void raise() override;
+    void quit() override;
 
 signals:
     void nextRequested();

@@ -49,6 +49,11 @@ void MpvController::init()
     m_mpv = mpv_create();
     if (!m_mpv)
         qFatal("could not create mpv context");
+    // The window draws its own controls and takes no key bindings from the core, so the core's
+    // own scripts (statistics page, console, online-stream hook) could never be reached; each
+    // would run a script interpreter on a thread of its own.
+    for (const char* option : {"load-stats-overlay", "load-osd-console", "ytdl", "load-auto-profiles"})
+        mpv_set_option_string(m_mpv, option, "no");
     if (mpv_initialize(m_mpv) < 0)
         qFatal("could not initialize mpv context");
     mpv_set_wakeup_callback(m_mpv, &MpvController::wakeup, this);

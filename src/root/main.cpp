@@ -6,6 +6,7 @@
 #include "SignalWatcher.h"
 #include "SingleInstance.h"
 #include "SqlHelper.h"
+#include "VideoWindowSetup.h"
 
 #include <QCoreApplication>
 #include <QDir>
@@ -15,12 +16,15 @@
 #include <QGuiApplication>
 #include <QLocalServer>
 #include <QQmlApplicationEngine>
-#include <QSurfaceFormat>
+#include <QTimer>
 #include <QTranslator>
 #include <QUrl>
 #include <memory>
 #include <spdlog/spdlog.h>
 #include <unistd.h>
+#ifdef __GLIBC__
+#include <malloc.h>
+#endif
 
 namespace {
 
@@ -56,18 +60,13 @@ QString executableFolder(const char* argv0)
 int main(int argc, char* argv[])
 {
     QCoreApplication::setAttribute(Qt::AA_EnableHighDpiScaling);
-    // The scene clips only along axis-aligned rectangles (scissor), so windows need neither
-    // depth nor stencil buffers; with software OpenGL every frame would clear and test them.
-    QSurfaceFormat format = QSurfaceFormat::defaultFormat();
-    format.setDepthBufferSize(0);
-    format.setStencilBufferSize(0);
-    format.setSamples(0);
-    QSurfaceFormat::setDefaultFormat(format);
-    // Qt holds every window update request back 5 ms to gather more; each new video frame
-    // would reach the screen that much later, the first one included. Updates made in one
-    // pass of the event loop are still drawn as one frame.
-    if (!qEnvironmentVariableIsSet("QT_QPA_UPDATE_IDLE_TIME"))
-        qputenv("QT_QPA_UPDATE_IDLE_TIME", "0");
+    prepareVideoWindows();
+    // Small images share one texture, by default as large as the window (about 4 MB with a
+    // software renderer); the window's icons need a fraction of that.
+    if (!qEnvironmentVariableIsSet("QSG_ATLAS_WIDTH") && !qEnvironmentVariableIsSet("QSG_ATLAS_HEIGHT")) {
+        qputenv("QSG_ATLAS_WIDTH", "512");
+        qputenv("QSG_ATLAS_HEIGHT", "512");
+    }
     QGuiApplication app(argc, argv);
 
     const QStringList words = argumentsAfterProgram(argc, argv);
@@ -135,6 +134,11 @@ int main(int argc, char* argv[])
 
     if (!words.isEmpty())
         handleCommandLineWords(words);
+#ifdef __GLIBC__
+    // Building the scene frees much of what it allocates (compiling, decoding, shader builds),
+    // but the allocator keeps freed pages for reuse; give them back once the window stands.
+    QTimer::singleShot(3000, [] { malloc_trim(0); });
+#endif
 
     const int code = app.exec();
     engine.reset();

@@ -19,7 +19,9 @@ private slots:
     void initTestCase();
     void cleanupTestCase();
     void clipCutsTheDraggedRange();
-    void compressStopsAndSaysSo();
+    void compressShowsProgressStopsAndCompletes();
+    void conversionFromTheToolMenu();
+    void mergeFromTheToolMenu();
 
 private:
     QString window(const QString& name, int timeoutMs = 15000);
@@ -32,6 +34,8 @@ private:
     QRect colourBox(const QRect& area, const QString& colour);
     void handOver(const QStringList& args);
     void dismissMessage();
+    QString openFromToolMenu(int row, const QString& title);
+    QString grab(const QRect& area, const QString& format);
 
     QTemporaryDir m_dir;
     QString m_app, m_out, m_a, m_long, m_opened;
@@ -111,13 +115,15 @@ void TestToolUse::click(const QString& win, int x, int y)
 
 // Qt's own file dialog takes a typed full path in its path field. Its view loads after the
 // window maps and may drop early keys on a busy machine, so the answer is typed again until
-// the dialog closes.
+// the dialog closes. Without a window manager a dialog may map below the window that was
+// raised last, so it is raised before each try.
 void TestToolUse::answerFileDialog(const QString& title, const QString& path)
 {
     const QString dialog = window(title);
     QVERIFY2(!dialog.isEmpty(), qPrintable(title));
     for (int attempt = 0; attempt < 5 && !window(title, 100).isEmpty(); ++attempt) {
         QTest::qWait(1000);
+        xdo({"windowraise", dialog});
         click(dialog, 200, 20);
         xdo({"key", "ctrl+a"});
         xdo({"type", "--delay", "5", path});
@@ -227,7 +233,17 @@ void TestToolUse::clipCutsTheDraggedRange()
     dismissMessage();
 }
 
-void TestToolUse::compressStopsAndSaysSo()
+// An area of the screen described by ImageMagick's format escapes ("%#": its pixels' hash).
+QString TestToolUse::grab(const QRect& area, const QString& format)
+{
+    const QString shot = m_dir.filePath("area.png");
+    TestMedia::run("import", {"-window", "root", "-crop",
+                              QStringLiteral("%1x%2+%3+%4").arg(area.width()).arg(area.height()).arg(area.x()).arg(area.y()),
+                              "+repage", shot});
+    return TestMedia::run("convert", {shot, "-format", format, "info:"}).trimmed();
+}
+
+void TestToolUse::compressShowsProgressStopsAndCompletes()
 {
     handOver({"-compress", m_long});
     const QString tool = window("Video compression");
@@ -236,14 +252,80 @@ void TestToolUse::compressStopsAndSaysSo()
     QTest::qWait(500);
     pressExport(tool);
     QVERIFY(waitForLine("compressVideo:", 15000));
-    QTest::qWait(1500);
+
+    // Once frames are counted, the count in the middle of the progress display moves; the
+    // fill stays below it this early.
+    QVERIFY(waitForLine("Video frame index", 15000));
+    const QRect label(windowRect(tool).topLeft() + QPoint(280 - 70, 300 - 22), QSize(140, 44));
+    QCOMPARE(grab(label, "%[fx:p{0,0}.intensity>0.8]"), QStringLiteral("1")); // the display's disc is up
+    const QString before = grab(label, "%#");
+    QTRY_VERIFY_WITH_TIMEOUT(grab(label, "%#") != before, 10000);
+
     click(tool, 280, 300); // the stop disc over the progress
     QVERIFY(waitForLine("Video compression cancelled", 15000));
-    QVERIFY(waitForLine("export finished:", 15000));
+    QVERIFY(waitForLine("export finished: false", 15000));
     dismissMessage();
-
     QVERIFY(!TestMedia::plays(m_out + "/long_export.mp4") ||
             TestMedia::seconds(m_out + "/long_export.mp4") < 55); // stopped well before the end
+
+    // Exporting again after a stop runs to its end.
+    handOver({"-compress", m_a});
+    QTest::qWait(500);
+    pressExport(tool);
+    QVERIFY(waitForLine("compressVideo:", 15000));
+    QVERIFY(waitForLine("export finished: true", 60000));
+    QVERIFY(qAbs(TestMedia::seconds(m_out + "/a_export.mp4") - 4) < 0.5);
+    dismissMessage();
+}
+
+// Rows of the control bar's tool menu, from its button, in the player's window.
+QString TestToolUse::openFromToolMenu(int row, const QString& title)
+{
+    const QString player = window("Player");
+    if (player.isEmpty())
+        return {};
+    xdo({"windowraise", player});
+    click(player, 744, 615);
+    QTest::qWait(500); // the menu unrolls
+    click(player, 750, 510 + 24 * row);
+    const QString tool = window(title);
+    if (!tool.isEmpty())
+        xdo({"windowraise", tool});
+    QTest::qWait(500);
+    return tool;
+}
+
+void TestToolUse::conversionFromTheToolMenu()
+{
+    const QString tool = openFromToolMenu(3, "Format Conversion");
+    QVERIFY(!tool.isEmpty());
+    click(tool, 469, 86);
+    answerFileDialog("Select Files", m_a);
+    click(tool, 425, 228);  // resolution list
+    QTest::qWait(500);
+    click(tool, 420, 289);  // its "360p" row
+    QByteArray opened = TestMedia::fileBytes(m_opened);
+    pressExport(tool);
+    QVERIFY(waitForLine("export finished: true", 60000));
+    QCOMPARE(TestMedia::probe(m_out + "/a_export.mp4", "stream=codec_name,width,height", "v:0"),
+             QStringLiteral("h264\n640\n360"));
+    QTRY_VERIFY(TestMedia::fileBytes(m_opened).size() > opened.size());
+    dismissMessage();
+}
+
+void TestToolUse::mergeFromTheToolMenu()
+{
+    const QString tool = openFromToolMenu(2, "Video Merger");
+    QVERIFY(!tool.isEmpty());
+    click(tool, 110, 451);  // the add card, then again where it moved to
+    answerFileDialog("Select Video Files", m_a);
+    click(tool, 252, 451);
+    answerFileDialog("Select Video Files", m_a);
+    pressExport(tool);
+    answerFileDialog("保存文件到...", m_out + "/merged");
+    QVERIFY(waitForLine("export finished: true", 30000));
+    QVERIFY(qAbs(TestMedia::seconds(m_out + "/merged.mp4") - 8) < 0.3);
+    dismissMessage();
 }
 
 QTEST_MAIN(TestToolUse)
