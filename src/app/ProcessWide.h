@@ -18,8 +18,9 @@ template <typename T> struct HasMaker<T, std::void_t<decltype(T::makeProcessWide
 // libmpv callbacks and the QML engine may reach it until the process ends; the system takes
 // back what it holds. A QObject service belongs to the application's thread whoever asked
 // first, because the QML engine and its queued receivers rely on that.
-// A service that needs something start-up decided (the history's file) makes itself through a
-// static `T* makeProcessWide()`; the others are default-constructed.
+// A service that needs something start-up decided (the history's file), or that no one else
+// may construct (the media controls), makes itself through a static `T* makeProcessWide()`;
+// the others are default-constructed.
 // The thread pool alone is destroyed at exit: its workers must finish before the process does.
 template <typename T> T& processWide()
 {

@@ -6,6 +6,7 @@
 #include "MprisPlayerAdaptor.h"
 #include "MprisRootAdaptor.h"
 #include "MpvView.h"
+#include "ProcessWide.h"
 #include "ThreadPool.h"
 #include "YuvToRgb.h"
 
@@ -51,8 +52,12 @@ QVariant comparable(const QVariant& value)
 
 MprisService* MprisService::instance()
 {
-    static MprisService* service = new MprisService(QCoreApplication::instance());
-    return service;
+    return &processWide<MprisService>();
+}
+
+MprisService* MprisService::makeProcessWide()
+{
+    return new MprisService;
 }
 
 void MprisService::playerCreated(MpvView* view)

@@ -26,6 +26,8 @@ public:
 
     // Process-wide; made before the scene, so it hears of every player view.
     static MprisService* instance();
+    // Only processWide() calls it: one service answers the bus and hears of the views.
+    static MprisService* makeProcessWide();
     // Every player view reports here when it is made; the newest one is controlled.
     static void playerCreated(MpvView* view);
 
