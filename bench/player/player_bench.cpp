@@ -1,23 +1,28 @@
-// Playback and history figures, measured the same way for Vidora's player view and for the
-// mpv command-line player. Run by bench/player/player_bench.sh inside an X server; not a test.
+// Playback and history figures, measured the same way for Vidora and for the mpv
+// command-line player. Run by bench/player/player_bench.sh inside an X server; not a test.
 //
 //   player_bench ttff PLAYER FILE          time from the load request to the first frame on
 //                                          the X screen (one run, milliseconds)
+//   player_bench start app|mpv FILE        time from the process start, with the file on its
+//                                          command line, to the first frame on the X screen
 //   player_bench cpu PLAYER FILE SECONDS   CPU and frame counts while playing
 //   player_bench history ROWS FILE         history writes at load and stop, GUI thread
 //
-// PLAYER is "vidora" (MpvView alone in a bare QQuickWindow with the program's window format),
-// "mpv" (the command-line player on the renderer libmpv gives Vidora: --vo=gpu, which on a
-// software renderer needs --gpu-sw) or "mpv-auto" (the command-line player's own choice of
-// video output, which on this machine is SDL's renderer). All get a 1280x720 window at the
-// screen's top-left corner, no audio output, software decoding and no user config;
-// BENCH_MPV="option=value ..." gives all of them the same extra options. "First frame" is the
-// moment a watched pixel of the window turns from black to the picture, read from the X
-// server by a thread with its own connection. Step timings, per-thread CPU and libmpv's own
-// render pass timings go to the error stream; the result is the last line on stdout.
+// PLAYER is "app" (the real program, `vidora FILE`, its video area 1280x720: title bar,
+// control bar, time label and all), "vidora" (MpvView alone in a bare QQuickWindow with the
+// program's window format), "mpv" (the command-line player on the renderer libmpv gives
+// Vidora: --vo=gpu, which on a software renderer needs --gpu-sw) or "mpv-auto" (the
+// command-line player's own choice of video output, which on this machine is SDL's renderer).
+// All show the video in 1280x720 at the screen's top-left corner, with no audio output,
+// software decoding and no user config; BENCH_MPV="option=value ..." gives all of them the
+// same extra options. "First frame" is the moment a watched pixel of the video turns from
+// black to the picture, read from the X server by a thread with its own connection. Step
+// timings, per-thread CPU and libmpv's own render pass timings go to the error stream; the
+// result is the last line on stdout.
 #include "MpvView.h"
 #include "SqlHelper.h"
 
+#include <QDateTime>
 #include <QDir>
 #include <QElapsedTimer>
 #include <QFile>
@@ -50,12 +55,20 @@ constexpr int kHeight = 720;
 // Inside the first colour bar of a testsrc2 picture, clear of the time stamp.
 constexpr int kProbeX = 100;
 constexpr int kProbeY = 150;
+// The real program's window that gives a 1280x720 video area: 5 px of shadow on each side,
+// the 40 px title bar above the video and the 120 px control bar below it.
+constexpr int kAppWidth = kWidth + 10;
+constexpr int kAppHeight = kHeight + 10 + 40 + 120;
+constexpr int kAppVideoX = 5;
+constexpr int kAppVideoY = 45;
 
 // Watches one screen pixel from its own thread and X connection; records when it stops
 // being black.
 class PixelWatch
 {
 public:
+    // The video area's top-left corner on the screen.
+    explicit PixelWatch(int x = 0, int y = 0) : m_x(x + kProbeX), m_y(y + kProbeY) {}
     bool start()
     {
         m_display = XOpenDisplay(nullptr);
@@ -64,7 +77,7 @@ public:
         m_thread = std::thread([this] {
             const Window root = DefaultRootWindow(m_display);
             while (!m_stop) {
-                XImage* image = XGetImage(m_display, root, kProbeX, kProbeY, 1, 1, AllPlanes, ZPixmap);
+                XImage* image = XGetImage(m_display, root, m_x, m_y, 1, 1, AllPlanes, ZPixmap);
                 if (image) {
                     const unsigned long pixel = XGetPixel(image, 0, 0);
                     XDestroyImage(image);
@@ -113,6 +126,7 @@ public:
     }
 
 private:
+    int m_x, m_y;
     Display* m_display = nullptr;
     std::thread m_thread;
     std::atomic<bool> m_stop{false};
@@ -183,15 +197,74 @@ struct Vidora
     }
 };
 
+// libmpv's JSON IPC socket: the command line's, or the one the real program's libmpv opens
+// when its option file asks for it.
+struct MpvIpc
+{
+    QLocalSocket socket;
+    int requests = 0;
+
+    bool connect(const QString& path, int timeoutMs)
+    {
+        QElapsedTimer timer;
+        timer.start();
+        while (timer.elapsed() < timeoutMs) {
+            socket.connectToServer(path);
+            if (socket.waitForConnected(200))
+                return true;
+            pause(20);
+        }
+        return false;
+    }
+    void command(const QString& json)
+    {
+        socket.write(json.toUtf8() + "\n");
+        socket.flush();
+    }
+    // A property's value (events and other replies are skipped).
+    QVariant get(const QString& property)
+    {
+        const int id = ++requests;
+        command(QStringLiteral("{\"command\":[\"get_property\",\"%1\"],\"request_id\":%2}").arg(property).arg(id));
+        QElapsedTimer timer;
+        timer.start();
+        while (timer.elapsed() < 3000) {
+            while (socket.canReadLine()) {
+                const QJsonObject reply = QJsonDocument::fromJson(socket.readLine()).object();
+                if (reply.value("request_id").toInt() == id)
+                    return reply.value("data").toVariant();
+            }
+            socket.waitForReadyRead(100);
+        }
+        return {};
+    }
+    ~MpvIpc()
+    {
+        if (socket.state() == QLocalSocket::ConnectedState)
+            socket.disconnectFromServer();
+    }
+};
+
+void endProcess(QProcess& process)
+{
+    if (process.state() == QProcess::NotRunning)
+        return;
+    process.terminate();
+    if (!process.waitForFinished(5000)) {
+        process.kill();
+        process.waitForFinished(3000);
+    }
+}
+
 struct MpvCli
 {
     QProcess process;
-    QLocalSocket ipc;
-    QString socketPath;
+    MpvIpc ipc;
 
-    bool open(const QString& player, const QString& dir, bool loop)
+    // Starts the player idle with its window drawn black, or, given FILE, playing it at once.
+    bool open(const QString& player, const QString& dir, bool loop, const QString& file = {})
     {
-        socketPath = dir + "/mpv.sock";
+        const QString socketPath = dir + "/mpv.sock";
         QStringList args{"--no-config",
                          "--idle=yes",
                          "--force-window=immediate",
@@ -208,66 +281,125 @@ struct MpvCli
             args << "--vo=gpu" << "--gpu-sw=yes";
         for (const QString& option : qEnvironmentVariable("BENCH_MPV").split(' ', Qt::SkipEmptyParts))
             args << "--" + option;
+        if (!file.isEmpty())
+            args << "--log-file=" + dir + "/mpv.log" << file;
         process.start("mpv", args);
         if (!process.waitForStarted(5000))
             return false;
-        QElapsedTimer timer;
-        timer.start();
-        while (timer.elapsed() < 10000) {
-            ipc.connectToServer(socketPath);
-            if (ipc.waitForConnected(200))
-                break;
-            pause(50);
-        }
-        if (ipc.state() != QLocalSocket::ConnectedState)
+        if (!file.isEmpty())
+            return true;
+        if (!ipc.connect(socketPath, 10000))
             return false;
         pause(1500); // the window is mapped and drawn black
         return true;
     }
     void load(const QString& file)
     {
-        ipc.write(QStringLiteral("{\"command\":[\"loadfile\",\"%1\"]}\n").arg(file).toUtf8());
-        ipc.flush();
+        ipc.command(QStringLiteral("{\"command\":[\"loadfile\",\"%1\"]}").arg(file));
     }
-    // A property's value over the IPC socket (events and other replies are skipped).
-    QVariant get(const QString& property)
-    {
-        const int id = ++m_requests;
-        ipc.write(QStringLiteral("{\"command\":[\"get_property\",\"%1\"],\"request_id\":%2}\n")
-                      .arg(property)
-                      .arg(id)
-                      .toUtf8());
-        ipc.flush();
-        QElapsedTimer timer;
-        timer.start();
-        while (timer.elapsed() < 3000) {
-            while (ipc.canReadLine()) {
-                const QJsonObject reply = QJsonDocument::fromJson(ipc.readLine()).object();
-                if (reply.value("request_id").toInt() == id)
-                    return reply.value("data").toVariant();
-            }
-            ipc.waitForReadyRead(100);
-        }
-        return {};
-    }
-    int m_requests = 0;
     ~MpvCli()
     {
-        if (ipc.state() == QLocalSocket::ConnectedState) {
-            ipc.write("{\"command\":[\"quit\"]}\n");
-            ipc.flush();
-            ipc.waitForBytesWritten(1000);
-        }
-        if (!process.waitForFinished(3000)) {
-            process.kill();
-            process.waitForFinished(3000);
-        }
+        if (ipc.socket.state() == QLocalSocket::ConnectedState)
+            ipc.command(QStringLiteral("{\"command\":[\"quit\"]}"));
+        if (!process.waitForFinished(3000))
+            endProcess(process);
     }
+};
+
+// The real program, started from a private copy of its build folder so that its settings and
+// history stay in that copy, with runtime, config and data folders of its own and no session
+// bus, so that its single-instance socket and media-key service meet no one else's instance.
+// Its own mpv option file switches on libmpv's IPC server, which gives the same counters as
+// the command line's; the scene graph's render-loop timing log counts the frames it renders.
+struct App
+{
+    QProcess process;
+    MpvIpc ipc;
+    QString folder;
+    qint64 startedAt = 0; // monotonic clock, ms
+    int frames = 0;       // scene-graph frames rendered and presented
+    QStringList startLog; // the first scene-graph messages, stamped in ms since the start
+    QByteArray pending;
+
+    bool start(const QString& dir, bool loop, const QString& file = {})
+    {
+        folder = dir + "/app";
+        const QString bin = folder + "/bin";
+        QDir().mkpath(bin);
+        QDir().mkpath(folder + "/run");
+        QFile::setPermissions(folder + "/run", QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
+        const QString built = qEnvironmentVariable("BENCH_VIDORA", QCoreApplication::applicationDirPath() + "/../bin");
+        for (const char* name : {"vidora", "config.json", "vidora_zh_CN.qm"})
+            QFile::copy(built + "/" + name, bin + "/" + name);
+        QFile conf(bin + "/mpvqt.conf");
+        conf.open(QIODevice::WriteOnly);
+        conf.write("ao=null\nhwdec=no\ninput-ipc-server=" + folder.toUtf8() + "/mpv.sock\n");
+        if (loop)
+            conf.write("loop-file=inf\n");
+        if (!file.isEmpty())
+            conf.write("log-file=" + dir.toUtf8() + "/mpv.log\n");
+        for (const QString& option : qEnvironmentVariable("BENCH_MPV").split(' ', Qt::SkipEmptyParts))
+            conf.write(option.toUtf8() + "\n");
+        conf.close();
+
+        QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
+        env.insert("XDG_RUNTIME_DIR", folder + "/run");
+        env.insert("XDG_CONFIG_HOME", folder + "/config");
+        env.insert("XDG_DATA_HOME", folder + "/data");
+        env.insert("TMPDIR", folder);
+        env.insert("DBUS_SESSION_BUS_ADDRESS", "unix:path=" + folder + "/no-bus");
+        env.insert("QT_LOGGING_RULES", "qt.scenegraph.time.renderloop.debug=true\nqt.scenegraph.general.debug=true");
+        env.insert("QT_MESSAGE_PATTERN", "%{time boot} %{message}");
+        process.setProcessEnvironment(env);
+        QObject::connect(&process, &QProcess::readyReadStandardError, &process, [this] {
+            pending += process.readAllStandardError();
+            int end;
+            while ((end = pending.indexOf('\n')) >= 0) {
+                const QByteArray line = pending.left(end).trimmed();
+                pending.remove(0, end + 1);
+                if (line.contains("Frame rendered"))
+                    ++frames;
+                const int space = line.indexOf(' ');
+                bool stamped = false;
+                const double at = line.left(space).toDouble(&stamped) * 1000.0 - double(startedAt);
+                if (stamped && startLog.size() < 8 &&
+                    (line.contains("Frame rendered") || line.contains("threaded render loop")))
+                    startLog << QStringLiteral("%1 %2").arg(at, 7, 'f', 0).arg(QString::fromUtf8(line.mid(space + 1, 100)));
+            }
+        });
+        QStringList args{"-geometry", QStringLiteral("%1x%2+0+0").arg(kAppWidth).arg(kAppHeight)};
+        if (!file.isEmpty())
+            args << file;
+        QElapsedTimer now;
+        now.start();
+        startedAt = now.msecsSinceReference();
+        process.start(bin + "/vidora", args);
+        if (!process.waitForStarted(5000))
+            return false;
+        if (!file.isEmpty())
+            return true;
+        if (!ipc.connect(folder + "/mpv.sock", 15000))
+            return false;
+        pause(1500); // the window is up and its first frames are drawn
+        return true;
+    }
+    // Opens a file the way a second "vidora FILE" does: through the single-instance socket.
+    void open(const QString& file)
+    {
+        QLocalSocket socket;
+        socket.connectToServer(folder + "/run/" + "org.vidora.vidora");
+        socket.waitForConnected(1000);
+        socket.write(file.toUtf8());
+        socket.waitForBytesWritten(1000);
+        socket.disconnectFromServer();
+    }
+    ~App() { endProcess(process); }
 };
 
 int timeToFirstFrame(const QString& player, const QString& file, const QString& dir)
 {
-    PixelWatch watch;
+    const bool app = player == "app";
+    PixelWatch watch(app ? kAppVideoX : 0, app ? kAppVideoY : 0);
     if (!watch.start()) {
         std::fprintf(stderr, "no X display\n");
         return 2;
@@ -329,6 +461,13 @@ int timeToFirstFrame(const QString& player, const QString& file, const QString& 
                      "screen %.1f\n",
                      started, loaded, reconfig, double(firstSwap) / 1e6, ms);
         vidora.view->stop();
+    } else if (app) {
+        App vidora;
+        if (!vidora.start(dir, false))
+            return 2;
+        watch.arm();
+        vidora.open(file);
+        ms = watch.waitMs(15000);
     } else {
         MpvCli mpv;
         if (!mpv.open(player, dir, false))
@@ -337,6 +476,60 @@ int timeToFirstFrame(const QString& player, const QString& file, const QString& 
         mpv.load(file);
         ms = watch.waitMs(15000);
     }
+    std::printf("%.1f\n", ms);
+    return ms < 0 ? 1 : 0;
+}
+
+// Prints libmpv's log lines that mark the steps from start to the first frame, with their
+// times (seconds since libmpv started), and when the log was created after the process start.
+void printMpvSteps(const QString& path, const QDateTime& started)
+{
+    QFile log(path);
+    if (!log.open(QIODevice::ReadOnly))
+        return;
+    std::fprintf(stderr, "libmpv log created %lld ms after the start\n",
+                 started.msecsTo(QFileInfo(path).birthTime()));
+    const QList<QByteArray> marks{"Run command: loadfile", "Opening done", "Selected codec", "Decoder format", "VO: [",
+                                  "first video frame", "Starting playback"};
+    QString text;
+    int shown = 0;
+    while (!log.atEnd() && shown < 12) {
+        const QByteArray line = log.readLine().trimmed();
+        for (const QByteArray& mark : marks)
+            if (line.contains(mark)) {
+                text += "\n      " + QString::fromUtf8(line.left(110));
+                ++shown;
+                break;
+            }
+    }
+    std::fprintf(stderr, "steps, libmpv log (s):%s\n", qPrintable(text));
+}
+
+// From the process start with the file on the command line to its first frame on screen.
+int startToFirstFrame(const QString& player, const QString& file, const QString& dir)
+{
+    const bool app = player == "app";
+    PixelWatch watch(app ? kAppVideoX : 0, app ? kAppVideoY : 0);
+    if (!watch.start() || player == "vidora")
+        return 2;
+    double ms = -1.0;
+    watch.arm();
+    const QDateTime started = QDateTime::currentDateTime();
+    if (app) {
+        App vidora;
+        if (!vidora.start(dir, false, file))
+            return 2;
+        ms = watch.waitMs(20000);
+        pause(300);
+        std::fprintf(stderr, "steps, scene graph (ms since the start):\n      %s\n",
+                     qPrintable(vidora.startLog.join("\n      ")));
+    } else {
+        MpvCli mpv;
+        if (!mpv.open(player, dir, false, file))
+            return 2;
+        ms = watch.waitMs(20000);
+    }
+    printMpvSteps(dir + "/mpv.log", started);
     std::printf("%.1f\n", ms);
     return ms < 0 ? 1 : 0;
 }
@@ -384,7 +577,8 @@ QString passTimings(const QVariant& passes)
 
 int cpuWhilePlaying(const QString& player, const QString& file, const QString& dir, int seconds)
 {
-    PixelWatch watch;
+    const bool app = player == "app";
+    PixelWatch watch(app ? kAppVideoX : 0, app ? kAppVideoY : 0);
     watch.start();
     std::atomic<int> sceneFrames{0}, swaps{0};
     Sample before, after;
@@ -416,6 +610,16 @@ int cpuWhilePlaying(const QString& player, const QString& file, const QString& d
             return 1;
         measure(QCoreApplication::applicationPid(), [&](const char* name) { return vidora.view->getProperty(name); });
         vidora.view->stop();
+    } else if (app) {
+        App vidora;
+        watch.arm();
+        if (!vidora.start(dir, true, file) || watch.waitMs(20000) < 0 ||
+            !vidora.ipc.connect(vidora.folder + "/mpv.sock", 5000))
+            return 1;
+        // The render loop logs each frame after its swap, so rendered and presented are one count.
+        QObject::connect(&vidora.process, &QProcess::readyReadStandardError, &vidora.process,
+                         [&] { sceneFrames = swaps = vidora.frames; });
+        measure(vidora.process.processId(), [&](const char* name) { return vidora.ipc.get(name); });
     } else {
         MpvCli mpv;
         if (!mpv.open(player, dir, true))
@@ -424,7 +628,7 @@ int cpuWhilePlaying(const QString& player, const QString& file, const QString& d
         mpv.load(file);
         if (watch.waitMs(15000) < 0)
             return 1;
-        measure(mpv.process.processId(), [&](const char* name) { return mpv.get(name); });
+        measure(mpv.process.processId(), [&](const char* name) { return mpv.ipc.get(name); });
     }
 
     QString threads;
@@ -441,7 +645,7 @@ int cpuWhilePlaying(const QString& player, const QString& file, const QString& d
     const double shown = double(after.frame - before.frame - dropped - decoderDropped);
     const double cpu = after.cpu - before.cpu;
     const auto rate = [&](int count) {
-        return player == "vidora" ? QString::number(count / wall, 'f', 1) : QStringLiteral("-");
+        return player == "vidora" || app ? QString::number(count / wall, 'f', 1) : QStringLiteral("-");
     };
     // One line: CPU in % of a core, frames per second, frame counts over the span, and CPU
     // milliseconds per frame shown (the figure that least depends on the machine's load).
@@ -551,6 +755,8 @@ int main(int argc, char* argv[])
     const QString mode = args.value(1);
     if (mode == "ttff" && args.size() == 4)
         return timeToFirstFrame(args.at(2), args.at(3), dir.path());
+    if (mode == "start" && args.size() == 4)
+        return startToFirstFrame(args.at(2), args.at(3), dir.path());
     if (mode == "cpu" && args.size() == 5)
         return cpuWhilePlaying(args.at(2), args.at(3), dir.path(), args.at(4).toInt());
     if (mode == "history" && args.size() == 4)

@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
-# Playback figures of Vidora's player view next to the mpv command-line player, on one
-# generated 1080p file, in a private X server (software OpenGL), plus the history writes
-# made on the GUI thread. Run by hand after scripts/build.sh:
+# Playback figures of Vidora (the real program, and its player view alone) next to the mpv
+# command-line player, on one generated 1080p file, in a private X server (software OpenGL),
+# plus the history writes made on the GUI thread. Run by hand after scripts/build.sh:
 #   bench/player/player_bench.sh [ROUNDS] [CPU_SECONDS]
 # Each round runs every player once, in the same order (first frame, then CPU), so load from
 # other work on the machine hits all of them alike; medians over the rounds are reported,
@@ -13,7 +13,9 @@ build=${BUILD_DIR:-$root/build}
 bench=$build/bench/player_bench
 rounds=${1:-5}
 cpu_seconds=${2:-10}
-players=${BENCH_PLAYERS:-vidora mpv mpv-auto}
+players=${BENCH_PLAYERS:-app vidora mpv mpv-auto}
+# From the process start with the file on the command line: the real program and the command line.
+starters=${BENCH_STARTERS:-app mpv}
 work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT
 
@@ -28,7 +30,7 @@ median() { sort -n | awk '{a[NR]=$1} END {if (NR%2) print a[(NR+1)/2]; else prin
 # The value after KEY in a result line.
 field() { awk -v k="$1" '{for (i = 1; i < NF; i++) if ($i == k) print $(i + 1)}'; }
 run() { xvfb-run -a -s "-screen 0 1400x900x24 -br -nolisten tcp" "$bench" "$@" 2>"$work/err" | tail -1; }
-detail() { grep -E '^(steps|threads|libmpv passes)' "$work/err" | sed 's/^/      /' || true; }
+detail() { grep -E -A12 '^(steps|threads|libmpv passes)' "$work/err" | grep -E '^(steps|threads|libmpv|  )' | sed 's/^/      /' || true; }
 
 for round in $(seq "$rounds"); do
   echo "round $round, load average $(cut -d' ' -f1-3 /proc/loadavg)"
@@ -36,6 +38,11 @@ for round in $(seq "$rounds"); do
     ms=$(run ttff "$player" "$media")
     echo "$ms" >>"$work/ttff_$player"
     echo "  $player first frame: $ms ms"; detail
+  done
+  for player in $starters; do
+    ms=$(run start "$player" "$media")
+    echo "$ms" >>"$work/start_$player"
+    echo "  $player from start to first frame: $ms ms"; detail
   done
   for player in $players; do
     line=$(run cpu "$player" "$media" "$cpu_seconds")
@@ -55,12 +62,20 @@ for player in $players; do
   done
   echo
 done
-if [ -f "$work/cpu_vidora" ] && [ -f "$work/cpu_mpv" ]; then
-  ratio() { awk -v a="$1" -v b="$2" 'BEGIN {printf "%.2f", a / b}'; }
-  tv=$(median <"$work/ttff_vidora"); tm=$(median <"$work/ttff_mpv")
-  cv=$(field cpu <"$work/cpu_vidora" | median); cm=$(field cpu <"$work/cpu_mpv" | median)
-  fv=$(field cpu-ms/frame <"$work/cpu_vidora" | median); fm=$(field cpu-ms/frame <"$work/cpu_mpv" | median)
-  echo "vidora / mpv on the same renderer: first frame $(ratio "$tv" "$tm")x, CPU $(ratio "$cv" "$cm")x, CPU per frame shown $(ratio "$fv" "$fm")x"
+for player in $starters; do
+  echo "$player from start to first frame: median $(median <"$work/start_$player") ms"
+done
+ratio() { awk -v a="$1" -v b="$2" 'BEGIN {printf "%.2f", a / b}'; }
+for player in app vidora; do
+  if [ -f "$work/cpu_$player" ] && [ -f "$work/cpu_mpv" ]; then
+    tv=$(median <"$work/ttff_$player"); tm=$(median <"$work/ttff_mpv")
+    cv=$(field cpu <"$work/cpu_$player" | median); cm=$(field cpu <"$work/cpu_mpv" | median)
+    fv=$(field cpu-ms/frame <"$work/cpu_$player" | median); fm=$(field cpu-ms/frame <"$work/cpu_mpv" | median)
+    echo "$player / mpv on the same renderer: first frame after load $(ratio "$tv" "$tm")x, CPU $(ratio "$cv" "$cm")x, CPU per frame shown $(ratio "$fv" "$fm")x"
+  fi
+done
+if [ -f "$work/start_app" ] && [ -f "$work/start_mpv" ]; then
+  echo "app / mpv from start to first frame: $(ratio "$(median <"$work/start_app")" "$(median <"$work/start_mpv")")x"
 fi
 
 if [ -z "${BENCH_SKIP_HISTORY:-}" ]; then

@@ -11,6 +11,8 @@
 #include <QDir>
 #include <QFileInfo>
 #include <QPointer>
+#include <QQuickWindow>
+#include <QTimer>
 #include <QUrl>
 #include <cmath>
 #include <spdlog/spdlog.h>
@@ -95,6 +97,14 @@ MpvView::MpvView(QQuickItem* parent) : MpvAbstractItem(parent)
     connect(mpv, &MpvController::videoReconfig, this, &MpvView::videoReconfig, Qt::QueuedConnection);
     connect(mpv, &MpvController::endFile, this, &MpvView::onEndFile, Qt::QueuedConnection);
     connect(this, &MpvAbstractItem::ready, this, &MpvView::onReady);
+    // A position report comes with nearly every video frame, but a moment after that frame's
+    // redraw request: told to the UI at once, the seek bar and time label would make the
+    // scene graph draw the whole window a second time per frame. It is told just before the
+    // next frame is drawn instead, or after a short wait when none follows (paused, audio).
+    connect(this, &QQuickItem::windowChanged, this, [this](QQuickWindow* window) {
+        if (window)
+            connect(window, &QQuickWindow::afterAnimating, this, &MpvView::publishPosition, Qt::UniqueConnection);
+    });
     if (g_createdHook)
         g_createdHook(this);
 }
@@ -120,6 +130,14 @@ void MpvView::onReady()
     emit initCompleted();
 }
 
+void MpvView::publishPosition()
+{
+    if (!m_positionPending)
+        return;
+    m_positionPending = false;
+    emit positionChanged();
+}
+
 void MpvView::onPropertyChanged(const QString& property, const QVariant& value)
 {
     const bool initial = !m_reported.contains(property);
@@ -131,7 +149,9 @@ void MpvView::onPropertyChanged(const QString& property, const QVariant& value)
         // An unavailable position (file ended) keeps the position reached.
         if (current && value.isValid())
             m_position = value.toDouble();
-        emit positionChanged();
+        if (!m_positionPending)
+            QTimer::singleShot(100, this, &MpvView::publishPosition);
+        m_positionPending = true;
     } else if (property == QLatin1String("duration")) {
         if (current && value.isValid())
             m_duration = value.toDouble();

@@ -123,6 +123,7 @@ private:
     void onScreenshotSaved(const QString& fileUrl);
     void saveHistory(bool finished);
     void showText(const QString& text);
+    void publishPosition();
     QVariant readBack(const QString& property);
     QVariantList audioTracksFrom(const QVariantList& trackList) const;
     QVariantList subtitleTracksFrom(const QVariantList& trackList) const;
@@ -133,6 +134,8 @@ private:
     // Position reached in the current file; -1 while unknown, which leaves a stored resume
     // point untouched when saved.
     double m_position = -1.0;
+    // A position report not yet told to the UI.
+    bool m_positionPending = false;
     double m_duration = 0.0;
     bool m_pause = false;
     bool m_mute = false;
