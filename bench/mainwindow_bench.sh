@@ -53,10 +53,11 @@ x hover "$work/app/vidora" "$work/hover.mp4"
 echo "== play list with 1,000 rows (load $(load))"
 mkdir "$work/rows"
 for i in $(seq 0 9); do
-  ffmpeg -hide_banner -loglevel error -y -f lavfi -i "testsrc2=size=1280x720:rate=25:duration=10" \
+  ffmpeg -hide_banner -loglevel error -y -f lavfi -i "testsrc2=size=640x360:rate=25:duration=10" \
     -vf "hue=h=$((i * 36))" -c:v libx264 -preset ultrafast -pix_fmt yuv420p "$work/rows/clip$i.mp4"
 done
-# Every row its own file name: the thumbnails are decoded per row, as for a real history.
+# Every row its own file name: the thumbnails are decoded per row, as for a real history. The
+# provider keeps every row's frame at full size, hence small frames for a thousand rows.
 for i in $(seq 0 999); do ln "$work/rows/clip$((i % 10)).mp4" "$work/rows/row$(printf %04d "$i").mp4"; done
 rm "$work"/rows/clip*.mp4
 x history "$work/rows"

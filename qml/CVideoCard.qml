@@ -1,4 +1,5 @@
 import QtQuick 2.15
+import QtQuick.Window 2.15
 import CustomUtils 1.0
 
 // One history row: thumbnail, title, duration and a delete button. The picture arrives later:
@@ -42,6 +43,8 @@ Rectangle {
             anchors.fill: parent
             source: root.imageSource
             fillMode: Image.PreserveAspectFit
+            // Asked for at the box's size: the stored picture is a whole video frame.
+            sourceSize: Qt.size(Math.ceil(width * Screen.devicePixelRatio), Math.ceil(height * Screen.devicePixelRatio))
             // Every load of a row files its picture under the same key.
             cache: false
             asynchronous: true

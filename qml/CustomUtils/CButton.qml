@@ -1,4 +1,5 @@
 import QtQuick 2.15
+import QtQuick.Window 2.15
 import "ImageStem.js" as ImageStem
 
 // An image-only button.
@@ -23,8 +24,11 @@ Rectangle {
         height: root.imageSize > 0 ? root.imageSize : root.height
         source: ImageStem.source(root.imageSource, root.hovered || root.pressed)
         fillMode: Image.Stretch
+        // Scaled once when loaded, at the size shown: a texture with mip levels would need its
+        // levels built on the first frame, which software OpenGL does slowly, and could not
+        // share the window's texture of small images.
+        sourceSize: Qt.size(Math.ceil(width * Screen.devicePixelRatio), Math.ceil(height * Screen.devicePixelRatio))
         smooth: true
-        mipmap: true
     }
 
     CMouseArea {

@@ -29,14 +29,21 @@ template <typename T> QObject* shared(T* instance)
 
 // The engine deletes its image providers with itself, so it gets a stand-in that asks the
 // process-wide provider, which outlives every engine. Runs on the engine's image thread; the
-// provider's cache takes its own lock.
+// provider's cache takes its own lock. An item that gives a source size gets the picture
+// scaled down to fit it here, off the GUI thread, rather than a full video frame to upload and
+// keep as a texture for a box a few dozen pixels wide.
 class SharedImageProvider : public QQuickImageProvider
 {
 public:
     SharedImageProvider() : QQuickImageProvider(QQuickImageProvider::Image) {}
     QImage requestImage(const QString& id, QSize* size, const QSize& requestedSize) override
     {
-        return ImageProvider::instance()->requestImage(id, size, requestedSize);
+        const QImage image = ImageProvider::instance()->requestImage(id, size, requestedSize);
+        const QSize bound(requestedSize.width() > 0 ? requestedSize.width() : image.width(),
+                          requestedSize.height() > 0 ? requestedSize.height() : image.height());
+        if (image.isNull() || (image.width() <= bound.width() && image.height() <= bound.height()))
+            return image;
+        return image.scaled(bound, Qt::KeepAspectRatio, Qt::SmoothTransformation);
     }
 };
 
