@@ -94,7 +94,10 @@ void launch(Launched& run, const QString& program, const QStringList& args)
     env.insert("XDG_RUNTIME_DIR", home + "/runtime");
     env.insert("XDG_CONFIG_HOME", home + "/config");
     env.insert("XDG_DATA_HOME", home + "/data");
-    env.insert("XDG_CACHE_HOME", home + "/cache");
+    // BENCH_CACHE_HOME keeps one program's caches (Mesa's compiled shaders above all) from one
+    // start to the next, as a user's second and later starts find them.
+    const QString cache = qEnvironmentVariable("BENCH_CACHE_HOME");
+    env.insert("XDG_CACHE_HOME", cache.isEmpty() ? home + "/cache" : cache);
     run.process.setProcessEnvironment(env);
     run.process.setProcessChannelMode(QProcess::ForwardedErrorChannel);
     run.process.setStandardOutputFile(QProcess::nullDevice());

@@ -1,9 +1,10 @@
 #!/usr/bin/env bash
 # Main window figures, each in an X server of its own (software OpenGL). Run by hand after
 # scripts/build.sh, as root so both programs get the same raised priority:
-#   bench/mainwindow_bench.sh [ROUNDS]
+#   bench/mainwindow_bench.sh [ROUNDS] [startup]      (startup: the start-up figures only)
 # 1. Start to the idle window's final look on screen, and resident memory at idle, of Vidora
-#    and of `mpv --idle --force-window`, alternating which goes first in each round.
+#    and of `mpv --idle --force-window`, alternating which goes first in each round: first with
+#    empty caches (a first start ever), then with each program's caches kept between starts.
 # 2. Hover preview on a 1080p H.264 file: mouse move over the seek bar to the new frame on
 #    screen, through the real window and xdotool.
 # 3. The play list fed 1,000 rows of real files: card on screen to its thumbnail drawn, and the
@@ -44,6 +45,26 @@ done
 awk -v a="$(field on-screen-ms <"$work/vidora" | median)" -v b="$(field on-screen-ms <"$work/mpv" | median)" \
     -v c="$(field rss-kb <"$work/vidora" | median)" -v d="$(field rss-kb <"$work/mpv" | median)" \
     'BEGIN {printf "vidora / mpv: start-up %.2fx, idle memory %.2fx\n", a / b, c / d}'
+
+echo "== start-up with warm caches: each program keeps its own cache folder between starts; one start first fills it"
+for who in vidora mpv; do mkdir -p "$work/cache-$who"; done
+warm() {
+  if [ "$1" = vidora ]; then BENCH_CACHE_HOME=$work/cache-vidora x startup "$work/app/vidora"
+  else BENCH_CACHE_HOME=$work/cache-mpv x startup mpv --idle --force-window; fi
+}
+warm vidora >/dev/null; warm mpv >/dev/null
+for round in $(seq "$rounds"); do
+  if [ $((round % 2)) = 1 ]; then order="vidora mpv"; else order="mpv vidora"; fi
+  for who in $order; do
+    line=$(warm "$who")
+    echo "$line" >>"$work/warm-$who"
+    echo "  round $round $who: $line (load $(load))"
+  done
+done
+awk -v a="$(field on-screen-ms <"$work/warm-vidora" | median)" -v b="$(field on-screen-ms <"$work/warm-mpv" | median)" \
+    'BEGIN {printf "warm caches: vidora %d ms, mpv %d ms (medians): start-up %.2fx\n", a, b, a / b}'
+
+[ "${2:-}" = startup ] && exit 0
 
 echo "== hover preview, 1080p H.264 (load $(load))"
 ffmpeg -hide_banner -loglevel error -y -f lavfi -i testsrc2=size=1920x1080:rate=30:duration=60 \
