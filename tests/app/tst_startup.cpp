@@ -73,7 +73,9 @@ class TestStartup : public QObject
         return second.exitStatus() == QProcess::NormalExit ? second.exitCode() : -102;
     }
 
-    static bool waitForLine(QProcess* p, const QString& needle, int timeoutMs = 10000)
+    // Generous: the program listens before its scene is up and reads the socket only after;
+    // an instrumented build on a busy machine needs well over ten seconds for that.
+    static bool waitForLine(QProcess* p, const QString& needle, int timeoutMs = 30000)
     {
         return ProcessOutput::waitForLine(p, needle, timeoutMs);
     }
