@@ -21,6 +21,7 @@
 // result is the last line on stdout.
 #include "MpvView.h"
 #include "SqlHelper.h"
+#include "VideoWindowSetup.h"
 
 #include <QDateTime>
 #include <QDir>
@@ -724,17 +725,17 @@ int historyWrites(int rows, const QString& file)
 
 int main(int argc, char* argv[])
 {
-    // The window format the program uses. BENCH_DEPTH=1 keeps Qt's default depth and stencil
-    // buffers, with which the player draws its picture as a textured quad instead of copying it.
-    if (!qEnvironmentVariableIsSet("BENCH_DEPTH")) {
+    // The window format and pacing the program uses. BENCH_DEPTH=1 then brings back Qt's
+    // default depth and stencil buffers, with which the player draws its picture as a textured
+    // quad instead of copying it.
+    prepareVideoWindows();
+    if (qEnvironmentVariableIsSet("BENCH_DEPTH")) {
         QSurfaceFormat format = QSurfaceFormat::defaultFormat();
-        format.setDepthBufferSize(0);
-        format.setStencilBufferSize(0);
-        format.setSamples(0);
+        format.setDepthBufferSize(-1);
+        format.setStencilBufferSize(-1);
+        format.setSamples(-1);
         QSurfaceFormat::setDefaultFormat(format);
     }
-    if (!qEnvironmentVariableIsSet("QT_QPA_UPDATE_IDLE_TIME"))
-        qputenv("QT_QPA_UPDATE_IDLE_TIME", "0"); // as the program does
     QGuiApplication app(argc, argv);
     QStringList args = app.arguments();
     // Media paths are taken relative to the folder the bench was started from.
