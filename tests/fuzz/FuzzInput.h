@@ -8,22 +8,9 @@
 #include <cstdint>
 #include <unistd.h>
 
-extern "C" {
-#include <libavutil/log.h>
-}
-#include <spdlog/spdlog.h>
-
 // Shared by the fuzz targets: the code under test takes file paths, so every input is
 // written to one scratch file of this process first.
 namespace FuzzInput {
-
-// Quiet libraries: the log lines of millions of rejected inputs would cost more than the
-// parsing they report on.
-inline void silence()
-{
-    av_log_set_level(AV_LOG_QUIET);
-    spdlog::set_level(spdlog::level::off);
-}
 
 // A path in the temporary folder unique to this process, with the given suffix.
 inline QString scratchPath(const char* suffix)

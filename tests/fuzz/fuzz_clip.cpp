@@ -8,12 +8,6 @@
 // interleaving writer and the trailer, into the three muxer families the clip tool offers
 // (the MP4 family drops subtitles it cannot hold, which shifts later streams). The input's
 // size picks the muxer and the range, so the mutator varies them with the bytes.
-extern "C" int LLVMFuzzerInitialize(int*, char***)
-{
-    FuzzInput::silence();
-    return 0;
-}
-
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
 {
     static const QString input = FuzzInput::scratchPath(".media");

@@ -8,12 +8,6 @@ extern "C" {
 
 // Frame grabbing: seek, decode until the first picture, pack it as I420. The size of the
 // input picks the requested time, so the mutator varies both together.
-extern "C" int LLVMFuzzerInitialize(int*, char***)
-{
-    FuzzInput::silence();
-    return 0;
-}
-
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
 {
     static const QString path = FuzzInput::scratchPath(".media");

@@ -5,12 +5,6 @@
 
 // Probing: the stream walk, the frame-rate rounding and the duration of whatever the
 // demuxers make of the bytes.
-extern "C" int LLVMFuzzerInitialize(int*, char***)
-{
-    FuzzInput::silence();
-    return 0;
-}
-
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
 {
     static const QString path = FuzzInput::scratchPath(".media");
