@@ -12,10 +12,49 @@ Item {
 
     TestCase {
         name: "Module"
+        when: windowShown
 
         function test_bothHalvesLoad() {
             compare(String(Theme.accent).toUpperCase(), "#A338FE")
             verify(typeof CommonTool.formatTime === "function")
+        }
+
+        // Every type the qmldir lists, made, shown and put in its pointer states, runs a moment
+        // without a single warning from the library's files.
+        function test_everyTypeRunsWithoutWarnings() {
+            const types = qmlWarnings.moduleTypes()
+            verify(types.length > 20)
+            const shown = []
+            qmlWarnings.start()
+            for (const [kind, name, file] of types) {
+                let item
+                if (kind === "singleton")
+                    item = createTemporaryQmlObject("import QtQml 2.15; import CustomUtils 1.0; QtObject { property var it: "
+                                                    + name + " }", scene).it
+                else if (kind === "internal")
+                    item = createTemporaryObject(Qt.createComponent("qrc:/CustomUtils/" + file), scene)
+                else
+                    item = createTemporaryQmlObject("import CustomUtils 1.0; " + name + " {}", scene)
+                verify(item, name)
+                for (const state of ["hovered", "pressed", "checked"]) {
+                    try { item[state] = true } catch (readOnly) {}
+                }
+                if (typeof item.notify === "function")
+                    [CNotification.Notice, CNotification.Warning, CNotification.Error].forEach(function (t) { item.notify(t, "/shots/1.png") })
+                if (typeof item.showMessage === "function")
+                    item.showMessage("Delete?", function () {})
+                else if ("transientParent" in item)
+                    item.show()
+                else if (typeof item.open === "function")
+                    item.open()
+                if (item.popup && typeof item.popup.open === "function")
+                    item.popup.open()
+                if ("transientParent" in item)
+                    shown.push(item)
+            }
+            wait(1000)
+            shown.forEach(function (window) { window.hide() })
+            compare(qmlWarnings.stop(), 0)
         }
     }
 
