@@ -56,9 +56,14 @@ class TestStartup : public QObject
     }
 
     // The second start's exit code; negative when it hung, took long or crashed.
-    int runSecond(const QStringList& args)
+    int runSecond(const QStringList& args, const QString& runtimeDir = {})
     {
         QProcess second;
+        if (!runtimeDir.isEmpty()) {
+            QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
+            env.insert("XDG_RUNTIME_DIR", runtimeDir);
+            second.setProcessEnvironment(env);
+        }
         second.start(m_program, args);
         QElapsedTimer t;
         t.start();
@@ -156,18 +161,11 @@ private slots:
         QVERIFY(waitForListening());
         // The window title is the translated "Player": the catalogue was found beside the
         // executable although the process started in /.
-        bool found = false;
-        for (int i = 0; i < 50 && !found; ++i) {
-            QProcess search;
-            // Only this player's window: other tests may show theirs on the same display.
-            search.start("xdotool", {"search", "--all", "--pid", QString::number(p->processId()), "--name",
-                                     QStringLiteral("播放器")});
-            search.waitForFinished(5000);
-            found = !search.readAllStandardOutput().trimmed().isEmpty();
-            if (!found)
-                QTest::qWait(200);
-        }
-        QVERIFY(found);
+        // Only this player's window: other tests may show theirs on the same display.
+        QTRY_VERIFY_WITH_TIMEOUT(TestMedia::run("xdotool", {"search", "--all", "--pid", QString::number(p->processId()),
+                                                            "--name", QStringLiteral("播放器")})
+                                     .contains(QRegularExpression("^\\d+$", QRegularExpression::MultilineOption)),
+                                 10000);
     }
 
     void socketBelongsToItsUserAlone()
@@ -191,13 +189,7 @@ private slots:
         QProcess* inSession = startPlayer({}, session);
         const QString inRuntime = runtime.filePath(SingleInstance::kApplicationId);
         QVERIFY(waitForListening(15000, inRuntime));
-        QProcess second;
-        QProcessEnvironment secondEnv = QProcessEnvironment::systemEnvironment();
-        secondEnv.insert("XDG_RUNTIME_DIR", runtime.path());
-        second.setProcessEnvironment(secondEnv);
-        second.start(m_program, {"-crop", m_file});
-        QVERIFY(second.waitForFinished(5000));
-        QCOMPARE(second.exitCode(), 0);
+        QCOMPARE(runSecond({"-crop", m_file}, runtime.path()), 0);
         QVERIFY(waitForLine(inSession, "openFile: command=-crop"));
         QVERIFY(!waitForLine(first, "openFile:", 500));
 

@@ -71,16 +71,6 @@ inline double seconds(const QString& path)
     return probe(path, "format=duration").toDouble();
 }
 
-// Packets of one stream ("v:0", "a:0") as counted by ffprobe; -1 when unreadable.
-inline int packetCount(const QString& path, const QString& stream)
-{
-    bool ok = false;
-    const int n = run("ffprobe", {"-v", "error", "-count_packets", "-select_streams", stream, "-show_entries",
-                                  "stream=nb_read_packets", "-of", "csv=p=0", path})
-                      .toInt(&ok);
-    return ok ? n : -1;
-}
-
 // One field of every packet of one stream, in file order (packets with side data get extra
 // empty columns; the field is the first). Equal size lists mean an untouched copy.
 inline QStringList packetField(const QString& path, const QString& stream, const QString& field)
@@ -95,6 +85,10 @@ inline QStringList packetField(const QString& path, const QString& stream, const
 inline QStringList packetSizes(const QString& path, const QString& stream)
 {
     return packetField(path, stream, "size");
+}
+inline int packetCount(const QString& path, const QString& stream)
+{
+    return packetField(path, stream, "size").size();
 }
 
 // Decodes the selected streams to nowhere; the text is whatever the decoders complained about.
