@@ -14,42 +14,53 @@ Item {
         name: "Module"
         when: windowShown
 
-        // Every type the qmldir lists, made, shown and put in its pointer states, runs a moment
-        // without a single warning from the library's files.
+        // Makes one type the qmldir lists and puts it in its pointer states, shown or open.
+        function exercise(kind, name, file) {
+            let item
+            if (kind === "singleton")
+                item = createTemporaryQmlObject("import QtQml 2.15; import CustomUtils 1.0; QtObject { property var it: "
+                                                + name + " }", scene).it
+            else if (kind === "internal")
+                item = createTemporaryObject(Qt.createComponent("qrc:/CustomUtils/" + file), scene)
+            else
+                item = createTemporaryQmlObject("import CustomUtils 1.0; " + name + " {}", scene)
+            verify(item, name)
+            for (const state of ["hovered", "pressed", "checked"]) {
+                try { item[state] = true } catch (readOnly) {}
+            }
+            if (typeof item.notify === "function")
+                [CNotification.Notice, CNotification.Warning, CNotification.Error].forEach(function (t) { item.notify(t, "/shots/1.png") })
+            if (typeof item.showMessage === "function")
+                item.showMessage("Delete?", function () {})
+            else if ("transientParent" in item)
+                item.show()
+            else if (typeof item.open === "function")
+                item.open()
+            if (item.popup && typeof item.popup.open === "function")
+                item.popup.open()
+            return item
+        }
+
+        // Every type, made and exercised, runs a moment without a single warning from the
+        // library's files.
         function test_everyTypeRunsWithoutWarnings() {
             const types = qmlWarnings.moduleTypes()
             verify(types.length > 20)
-            const shown = []
+            const windows = []
+            let warnings = 0
             qmlWarnings.start()
-            for (const [kind, name, file] of types) {
-                let item
-                if (kind === "singleton")
-                    item = createTemporaryQmlObject("import QtQml 2.15; import CustomUtils 1.0; QtObject { property var it: "
-                                                    + name + " }", scene).it
-                else if (kind === "internal")
-                    item = createTemporaryObject(Qt.createComponent("qrc:/CustomUtils/" + file), scene)
-                else
-                    item = createTemporaryQmlObject("import CustomUtils 1.0; " + name + " {}", scene)
-                verify(item, name)
-                for (const state of ["hovered", "pressed", "checked"]) {
-                    try { item[state] = true } catch (readOnly) {}
+            try {
+                for (const [kind, name, file] of types) {
+                    const item = exercise(kind, name, file)
+                    if ("transientParent" in item)
+                        windows.push(item)
                 }
-                if (typeof item.notify === "function")
-                    [CNotification.Notice, CNotification.Warning, CNotification.Error].forEach(function (t) { item.notify(t, "/shots/1.png") })
-                if (typeof item.showMessage === "function")
-                    item.showMessage("Delete?", function () {})
-                else if ("transientParent" in item)
-                    item.show()
-                else if (typeof item.open === "function")
-                    item.open()
-                if (item.popup && typeof item.popup.open === "function")
-                    item.popup.open()
-                if ("transientParent" in item)
-                    shown.push(item)
+                wait(1000)
+            } finally {
+                windows.forEach(function (window) { window.hide() })
+                warnings = qmlWarnings.stop()
             }
-            wait(1000)
-            shown.forEach(function (window) { window.hide() })
-            compare(qmlWarnings.stop(), 0)
+            compare(warnings, 0)
         }
     }
 
