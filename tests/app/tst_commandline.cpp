@@ -9,7 +9,7 @@
 #include <QtTest>
 
 // The word classification and the hand-off decoding, in process. The two-process exchange
-// is covered by tst_singleinstance.
+// is covered by tst_startup.
 class TestCommandLine : public QObject
 {
     Q_OBJECT
