@@ -35,7 +35,7 @@ private:
     void handOver(const QStringList& args);
     void dismissMessage();
     QString openFromToolMenu(int row, const QString& title);
-    QString grab(const QRect& area, const QString& format);
+    QString grab(const QRect& area, const QString& format, const QStringList& operators = {});
 
     QTemporaryDir m_dir;
     QString m_app, m_out, m_a, m_long, m_opened;
@@ -161,16 +161,22 @@ QRect TestToolUse::windowRect(const QString& win)
     return {g["X"], g["Y"], g["WIDTH"], g["HEIGHT"]};
 }
 
+// An area of the screen described by ImageMagick's format escapes ("%#": its pixels' hash),
+// after the given operators.
+QString TestToolUse::grab(const QRect& area, const QString& format, const QStringList& operators)
+{
+    const QString shot = m_dir.filePath("area.png");
+    TestMedia::run("import", {"-window", "root", "-crop",
+                              QStringLiteral("%1x%2+%3+%4").arg(area.width()).arg(area.height()).arg(area.x()).arg(area.y()),
+                              "+repage", shot});
+    return TestMedia::run("convert", QStringList{shot} + operators + QStringList{"-format", format, "info:"});
+}
+
 // Where a colour sits within an area of the screen, from a grab of the screen (a translucent
 // window's own grab does not keep its colours).
 QRect TestToolUse::colourBox(const QRect& area, const QString& colour)
 {
-    const QString shot = m_dir.filePath("grab.png");
-    TestMedia::run("import", {"-window", "root", "-crop",
-                              QStringLiteral("%1x%2+%3+%4").arg(area.width()).arg(area.height()).arg(area.x()).arg(area.y()),
-                              "+repage", shot});
-    const QString box = TestMedia::run("convert", {shot, "-fuzz", "4%", "-fill", "black", "+opaque", colour,
-                                                   "-format", "%@", "info:"});
+    const QString box = grab(area, "%@", {"-fuzz", "4%", "-fill", "black", "+opaque", colour});
     const QRegularExpressionMatch m = QRegularExpression("(\\d+)x(\\d+)\\+(\\d+)\\+(\\d+)").match(box);
     if (!m.hasMatch())
         return {};
@@ -231,16 +237,6 @@ void TestToolUse::clipCutsTheDraggedRange()
              qPrintable(QString::number(TestMedia::seconds(m_out + "/cut.mp4"))));
     QTRY_VERIFY(TestMedia::fileBytes(m_opened).contains(m_out.toUtf8()));
     dismissMessage();
-}
-
-// An area of the screen described by ImageMagick's format escapes ("%#": its pixels' hash).
-QString TestToolUse::grab(const QRect& area, const QString& format)
-{
-    const QString shot = m_dir.filePath("area.png");
-    TestMedia::run("import", {"-window", "root", "-crop",
-                              QStringLiteral("%1x%2+%3+%4").arg(area.width()).arg(area.height()).arg(area.x()).arg(area.y()),
-                              "+repage", shot});
-    return TestMedia::run("convert", {shot, "-format", format, "info:"}).trimmed();
 }
 
 void TestToolUse::compressShowsProgressStopsAndCompletes()
