@@ -98,6 +98,8 @@ void TestMainWindow::initTestCase()
     env.insert("VIDORA_LOG_LEVEL", "info");
     m_player.setProcessEnvironment(env);
     m_player.setProcessChannelMode(QProcess::MergedChannels);
+    // Started in another folder: the translated title shows the catalogue beside it was found.
+    m_player.setWorkingDirectory(QDir::rootPath());
     m_player.start(m_program, QStringList());
     QVERIFY(waitFor([this] {
         m_window = xdo({"search", "--all", "--pid", QString::number(m_player.processId()), "--name",

@@ -152,22 +152,6 @@ private slots:
         QVERIFY(waitForLine(fresh, "openFile: command=-compress"));
     }
 
-    void startedFromAnotherFolderFindsItsTranslation()
-    {
-        auto* p = new QProcess(this);
-        p->setWorkingDirectory(QDir::rootPath());
-        p->start(m_program, QStringList());
-        m_running << p;
-        QVERIFY(waitForListening());
-        // The window title is the translated "Player": the catalogue was found beside the
-        // executable although the process started in /.
-        // Only this player's window: other tests may show theirs on the same display.
-        QTRY_VERIFY_WITH_TIMEOUT(TestMedia::run("xdotool", {"search", "--all", "--pid", QString::number(p->processId()),
-                                                            "--name", QStringLiteral("播放器")})
-                                     .contains(QRegularExpression("^\\d+$", QRegularExpression::MultilineOption)),
-                                 10000);
-    }
-
     void socketBelongsToItsUserAlone()
     {
         // Without a runtime folder: a name of this user's own in the shared folder, that only
