@@ -223,7 +223,7 @@ Item {
             anchors.verticalCenter: parent.verticalCenter
             width: 26; height: 26
             enabled: root.canPrevious
-            opacity: enabled ? 1 : 0.35
+            DisabledVeil {}
             imageSource: "../Resources/control/previous"
             toolTip: qsTr("Previous")
             onClicked: root.call(root.handlePrevious)
@@ -240,7 +240,7 @@ Item {
             anchors.verticalCenter: parent.verticalCenter
             width: 26; height: 26
             enabled: root.canNext
-            opacity: enabled ? 1 : 0.35
+            DisabledVeil {}
             imageSource: "../Resources/control/next"
             toolTip: qsTr("Next")
             onClicked: root.call(root.handleNext)

@@ -37,9 +37,12 @@ Rectangle {
     color: Theme.panel
     radius: maximized ? 0 : Theme.radiusMain
 
-    // Square the lower corners; only the top ones follow the window's rounding.
-    Rectangle { anchors.left: parent.left; anchors.bottom: parent.bottom; width: 10; height: 10; color: root.color }
-    Rectangle { anchors.right: parent.right; anchors.bottom: parent.bottom; width: 10; height: 10; color: root.color }
+    // Square the lower corners; only the top ones follow the window's rounding. Antialiased
+    // like the rounded rectangles around them (the look of a pixel-aligned square does not
+    // change), so the first frame needs one colour shader fewer: with software OpenGL every
+    // distinct shader costs tens of milliseconds to build on a first start.
+    Rectangle { anchors.left: parent.left; anchors.bottom: parent.bottom; width: 10; height: 10; color: root.color; antialiasing: true }
+    Rectangle { anchors.right: parent.right; anchors.bottom: parent.bottom; width: 10; height: 10; color: root.color; antialiasing: true }
 
     // Without a window manager there is no system move: follow the pointer instead.
     DragHandler {
