@@ -11,6 +11,23 @@
 #include <QSGSimpleTextureNode>
 #include <QThread>
 
+namespace {
+
+void clearBlending(QSGGeometryNode* node)
+{
+    bool changed = false;
+    for (QSGMaterial* material : {node->material(), node->opaqueMaterial()}) {
+        if (material && material->flags().testFlag(QSGMaterial::Blending)) {
+            material->setFlag(QSGMaterial::Blending, false);
+            changed = true;
+        }
+    }
+    if (changed)
+        node->markDirty(QSGNode::DirtyMaterial);
+}
+
+} // namespace
+
 MpvAbstractItem::MpvAbstractItem(QQuickItem* parent) : QQuickFramebufferObject(parent)
 {
     // The framebuffer always has the item's size in device pixels, so nearest sampling shows
@@ -81,6 +98,11 @@ QSGNode* MpvAbstractItem::updatePaintNode(QSGNode* node, UpdatePaintNodeData* da
         }
         blit->setSource(m_target.framebuffer, m_target.size, QRectF(0, 0, width(), height()));
         textureNode->setRect(QRectF());
+        // The empty quad is still drawn, and software OpenGL builds a shader variant for each
+        // sampling and blending state it meets, slowly on a first start. Filtered like the
+        // empty state's artwork and unblended, it needs the variant the artwork needs anyway.
+        textureNode->setFiltering(QSGTexture::Linear);
+        clearBlending(textureNode);
         return node;
     }
     delete blit;
@@ -91,15 +113,7 @@ QSGNode* MpvAbstractItem::updatePaintNode(QSGNode* node, UpdatePaintNodeData* da
     // window per pixel. An item with opacity below 1 is still blended by the scene graph.
     // The base sets the flag again whenever it makes a new texture (on resize), hence the
     // check on each sync.
-    bool changed = false;
-    for (QSGMaterial* material : {textureNode->material(), textureNode->opaqueMaterial()}) {
-        if (material && material->flags().testFlag(QSGMaterial::Blending)) {
-            material->setFlag(QSGMaterial::Blending, false);
-            changed = true;
-        }
-    }
-    if (changed)
-        textureNode->markDirty(QSGNode::DirtyMaterial);
+    clearBlending(textureNode);
     return node;
 }
 
