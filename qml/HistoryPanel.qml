@@ -9,6 +9,8 @@ Rectangle {
 
     property var model: null
     property int currentIndex: 0
+    property string playingUrl: ""
+    property real playingDuration: 0
     property bool open: false
     property var handleOpen: null       // function(url)
     property var handleDelete: null     // function(url, index)
@@ -96,7 +98,8 @@ Rectangle {
                 videoUrl: model.url
                 videoTitle: model.filename
                 videoPos: model.lastPosition
-                videoDuration: Logic.cardDuration(model.duration, CommonTool.formatTime(model.duration))
+                readonly property real seconds: Logic.cardSeconds(model.duration, model.url, root.playingUrl, root.playingDuration)
+                videoDuration: Logic.cardDuration(seconds, CommonTool.formatTime(seconds))
                 indexNum: index
                 choosed: index === root.currentIndex
                 handleDelete: function () { if (typeof root.handleDelete === "function") root.handleDelete(videoUrl, index) }

@@ -140,3 +140,12 @@ function isCardImage(key) {
 function cardDuration(duration, formatted) {
     return duration > 0 ? formatted : "--:--"
 }
+
+// Seconds a history card shows. A row is only written at load, stop and end of file, so the
+// row of a file playing for the first time learns its duration at the earliest when playback
+// stops; until then its card takes the player's.
+function cardSeconds(rowDuration, rowUrl, playingUrl, playingDuration) {
+    if (rowDuration > 0)
+        return rowDuration
+    return rowUrl && rowUrl === playingUrl ? playingDuration : 0
+}

@@ -358,6 +358,8 @@ Window {
             open: window.showList
             model: historyModel
             currentIndex: window.currentIndex
+            playingUrl: player._fileUrl
+            playingDuration: player.duration
             handleOpen: function (u) { window.openFile(u) }
             handleDelete: function (u, index) { player.deleteVideoByUrl(u) }
             handleAdd: window.openFileDialog

@@ -125,6 +125,9 @@ TestCase {
         verify(!Logic.isCardImage(""))
         compare(Logic.cardDuration(0, "00:00:00"), "--:--")
         compare(Logic.cardDuration(61, "00:01:01"), "00:01:01")
+        compare(Logic.cardSeconds(0, "file:///a.mp4", "file:///a.mp4", 42), 42)
+        compare(Logic.cardSeconds(0, "file:///b.mp4", "file:///a.mp4", 42), 0)
+        compare(Logic.cardSeconds(30, "file:///a.mp4", "file:///a.mp4", 42), 30)
     }
 
     Component {
