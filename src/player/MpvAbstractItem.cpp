@@ -67,6 +67,7 @@ bool MpvAbstractItem::event(QEvent* event)
 {
     if (event->type() == MpvSession::frameEventType()) {
         update();
+        frameRequested();
         return true;
     }
     return QQuickFramebufferObject::event(event);

@@ -44,6 +44,9 @@ protected:
     MpvController* controller() const { return m_controller; }
     QSGNode* updatePaintNode(QSGNode* node, UpdatePaintNodeData* data) override;
     bool event(QEvent* event) override;
+    // libmpv has a new picture to draw; the item is already scheduled for the next frame.
+    // State changed now is drawn in that same frame. GUI thread.
+    virtual void frameRequested() {}
 
 private:
     // Whether the framebuffer can reach the window by a plain copy instead of a textured

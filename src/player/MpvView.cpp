@@ -31,6 +31,10 @@ constexpr double kSeekTolerance = 0.05;
 // A saved resume point this close to the end would end playback at once: start over.
 constexpr double kResumeEndMargin = 1.0;
 
+// How long a position report waits for the next frame before it is told on its own
+// (paused, audio only), in milliseconds.
+constexpr int kPositionWaitMs = 100;
+
 struct Observed
 {
     const char* name;
@@ -97,14 +101,6 @@ MpvView::MpvView(QQuickItem* parent) : MpvAbstractItem(parent)
     connect(mpv, &MpvController::videoReconfig, this, &MpvView::videoReconfig, Qt::QueuedConnection);
     connect(mpv, &MpvController::endFile, this, &MpvView::onEndFile, Qt::QueuedConnection);
     connect(this, &MpvAbstractItem::ready, this, &MpvView::onReady);
-    // A position report comes with nearly every video frame, but a moment after that frame's
-    // redraw request: told to the UI at once, the seek bar and time label would make the
-    // scene graph draw the whole window a second time per frame. It is told just before the
-    // next frame is drawn instead, or after a short wait when none follows (paused, audio).
-    connect(this, &QQuickItem::windowChanged, this, [this](QQuickWindow* window) {
-        if (window)
-            connect(window, &QQuickWindow::afterAnimating, this, &MpvView::publishPosition, Qt::UniqueConnection);
-    });
     if (g_createdHook)
         g_createdHook(this);
 }
@@ -130,12 +126,40 @@ void MpvView::onReady()
     emit initCompleted();
 }
 
+void MpvView::frameRequested()
+{
+    // A position report comes with nearly every video frame, but a moment after that frame's
+    // redraw request: told to the UI at once, the seek bar and time label would make the
+    // scene graph draw the whole window a second time per frame. It goes with the next
+    // frame's request instead (while the scene graph is synchronising is too late: a change
+    // then asks for a frame of its own), or alone after a short wait when no frame follows
+    // (paused, audio only).
+    publishPosition();
+}
+
 void MpvView::publishPosition()
 {
     if (!m_positionPending)
         return;
     m_positionPending = false;
     emit positionChanged();
+}
+
+void MpvView::positionWaitEnded()
+{
+    m_positionTimerArmed = false;
+    if (!m_positionPending)
+        return;
+    // The timer was armed for an earlier report that a frame has told since; firing for the
+    // newer one before its own wait is over would draw a frame of its own between two video
+    // frames.
+    const qint64 left = kPositionWaitMs - m_positionAge.elapsed();
+    if (left > 0) {
+        m_positionTimerArmed = true;
+        QTimer::singleShot(static_cast<int>(left), this, &MpvView::positionWaitEnded);
+        return;
+    }
+    publishPosition();
 }
 
 void MpvView::onPropertyChanged(const QString& property, const QVariant& value)
@@ -149,9 +173,14 @@ void MpvView::onPropertyChanged(const QString& property, const QVariant& value)
         // An unavailable position (file ended) keeps the position reached.
         if (current && value.isValid())
             m_position = value.toDouble();
-        if (!m_positionPending)
-            QTimer::singleShot(100, this, &MpvView::publishPosition);
-        m_positionPending = true;
+        if (!m_positionPending) {
+            m_positionPending = true;
+            m_positionAge.start();
+            if (!m_positionTimerArmed) {
+                m_positionTimerArmed = true;
+                QTimer::singleShot(kPositionWaitMs, this, &MpvView::positionWaitEnded);
+            }
+        }
     } else if (property == QLatin1String("duration")) {
         if (current && value.isValid())
             m_duration = value.toDouble();

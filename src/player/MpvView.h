@@ -2,6 +2,7 @@
 
 #include "MpvAbstractItem.h"
 
+#include <QElapsedTimer>
 #include <QSet>
 #include <QString>
 #include <QVariantList>
@@ -109,6 +110,9 @@ signals:
     void playEnd();
     void screenshotTaken(QString filePath);
 
+protected:
+    void frameRequested() override;
+
 private:
     void onReady();
     void onPropertyChanged(const QString& property, const QVariant& value);
@@ -124,6 +128,7 @@ private:
     void saveHistory(bool finished);
     void showText(const QString& text);
     void publishPosition();
+    void positionWaitEnded();
     QVariant readBack(const QString& property);
     QVariantList audioTracksFrom(const QVariantList& trackList) const;
     QVariantList subtitleTracksFrom(const QVariantList& trackList) const;
@@ -134,8 +139,10 @@ private:
     // Position reached in the current file; -1 while unknown, which leaves a stored resume
     // point untouched when saved.
     double m_position = -1.0;
-    // A position report not yet told to the UI.
+    // A position report not yet told to the UI, and how long it has waited for a frame.
     bool m_positionPending = false;
+    QElapsedTimer m_positionAge;
+    bool m_positionTimerArmed = false;
     double m_duration = 0.0;
     bool m_pause = false;
     bool m_mute = false;
