@@ -227,7 +227,28 @@ Window {
         width: window.fillsWindow ? window.width : window.width - 10
         height: window.fillsWindow ? window.height : window.height - 10
         radius: window.fillsWindow ? 0 : Theme.radiusMain
-        color: Theme.windowBackground
+        // The video item fills the player area opaquely (black before its first picture) and is
+        // drawn in every frame, so the body is painted only where the bars lie: with software
+        // OpenGL a blended fill under the whole picture costs milliseconds per video frame.
+        color: Theme.transparent
+
+        Repeater {
+            model: [titleBar, controlBar]
+            Item {
+                readonly property Item bar: modelData
+                y: bar.y
+                width: mainWindow.width
+                height: bar.height
+                clip: true
+                Rectangle {
+                    y: -parent.y
+                    width: mainWindow.width
+                    height: mainWindow.height
+                    radius: mainWindow.radius
+                    color: Theme.windowBackground
+                }
+            }
+        }
 
         TitleBar {
             id: titleBar
