@@ -26,12 +26,20 @@ struct SignalSpyCallbacks {
 
 thread_local QEvent* t_delivering = nullptr;
 
+// A sender's emissions get a key of their own, one byte into the object: an object's own key is
+// acquired by every event it receives, and an emission that posts nothing (a render thread's
+// direct signals on its window, say) orders nothing for that object's thread.
+const void* emissionKey(const QObject* sender)
+{
+    return reinterpret_cast<const char*>(sender) + 1;
+}
+
 // An emitter's writes before a queued emission reach every receiver: Qt posts the call under the
 // receiving thread's post-list mutex, and the receiver takes the call under the same mutex.
 // Keyed by the sender, which the queued call carries and the delivery below acquires.
 void signalBegin(QObject* sender, int, void**)
 {
-    VIDORA_TSAN_RELEASE(sender);
+    VIDORA_TSAN_RELEASE(emissionKey(sender));
 }
 
 void signalEnd(QObject*, int) {}
@@ -56,7 +64,7 @@ bool onEvent(void** data)
         const QObject* sender;
     };
     if (const QObject* sender = static_cast<MetaCallLayout*>(event)->sender)
-        VIDORA_TSAN_ACQUIRE(sender);
+        VIDORA_TSAN_ACQUIRE(emissionKey(sender));
     QEvent* outer = t_delivering;
     t_delivering = event;
     *static_cast<bool*>(data[2]) = QCoreApplication::sendEvent(receiver, event);
