@@ -3,6 +3,7 @@
 #include "MpvSession.h"
 
 #include "FramebufferBlitNode.h"
+#include "TsanAnnotations.h"
 
 #include <QOpenGLContext>
 #include <QQuickWindow>
@@ -38,7 +39,13 @@ MpvAbstractItem::MpvAbstractItem(QQuickItem* parent) : QQuickFramebufferObject(p
     m_thread->start(QThread::InheritPriority);
     m_controller = new MpvController;
     m_controller->moveToThread(m_thread);
-    QMetaObject::invokeMethod(m_controller, &MpvController::init, Qt::BlockingQueuedConnection);
+    // Calls into the controller's thread hand it what this thread wrote before the post; a
+    // blocking call hands back what the controller wrote before it returned.
+    VIDORA_TSAN_RELEASE(m_controller);
+    // By name: the call record is then built inside Qt before the post, not in this thread's
+    // code after the release above.
+    QMetaObject::invokeMethod(m_controller, "init", Qt::BlockingQueuedConnection);
+    VIDORA_TSAN_ACQUIRE(m_controller);
 
     m_session = std::make_shared<MpvSession>(m_controller->mpv());
     m_session->attachItem(this);
@@ -145,14 +152,17 @@ bool MpvAbstractItem::canBlitFramebuffer() const
 int MpvAbstractItem::setPropertyBlocking(const QString& property, const QVariant& value)
 {
     int result = 0;
+    VIDORA_TSAN_RELEASE(m_controller);
     QMetaObject::invokeMethod(
         m_controller, [this, property, value] { return m_controller->setProperty(property, value); },
         Qt::BlockingQueuedConnection, &result);
+    VIDORA_TSAN_ACQUIRE(m_controller);
     return result;
 }
 
 void MpvAbstractItem::setPropertyAsync(const QString& property, const QVariant& value, int id)
 {
+    VIDORA_TSAN_RELEASE(m_controller);
     QMetaObject::invokeMethod(
         m_controller, [this, property, value, id] { m_controller->setPropertyAsync(property, value, id); },
         Qt::QueuedConnection);
@@ -161,14 +171,17 @@ void MpvAbstractItem::setPropertyAsync(const QString& property, const QVariant& 
 QVariant MpvAbstractItem::getProperty(const QString& property)
 {
     QVariant result;
+    VIDORA_TSAN_RELEASE(m_controller);
     QMetaObject::invokeMethod(
         m_controller, [this, property] { return m_controller->getProperty(property); },
         Qt::BlockingQueuedConnection, &result);
+    VIDORA_TSAN_ACQUIRE(m_controller);
     return result;
 }
 
 void MpvAbstractItem::getPropertyAsync(const QString& property, int id)
 {
+    VIDORA_TSAN_RELEASE(m_controller);
     QMetaObject::invokeMethod(
         m_controller, [this, property, id] { m_controller->getPropertyAsync(property, id); },
         Qt::QueuedConnection);
@@ -177,14 +190,17 @@ void MpvAbstractItem::getPropertyAsync(const QString& property, int id)
 QVariant MpvAbstractItem::commandBlocking(const QVariant& params)
 {
     QVariant result;
+    VIDORA_TSAN_RELEASE(m_controller);
     QMetaObject::invokeMethod(
         m_controller, [this, params] { return m_controller->command(params); }, Qt::BlockingQueuedConnection,
         &result);
+    VIDORA_TSAN_ACQUIRE(m_controller);
     return result;
 }
 
 void MpvAbstractItem::commandAsync(const QVariant& params, int id)
 {
+    VIDORA_TSAN_RELEASE(m_controller);
     QMetaObject::invokeMethod(
         m_controller, [this, params, id] { m_controller->commandAsync(params, id); }, Qt::QueuedConnection);
 }
@@ -196,6 +212,7 @@ QString MpvAbstractItem::expandText(const QString& text)
 
 void MpvAbstractItem::unobserveProperty(uint64_t id)
 {
+    VIDORA_TSAN_RELEASE(m_controller);
     QMetaObject::invokeMethod(
         m_controller, [this, id] { m_controller->unobserveProperty(id); }, Qt::QueuedConnection);
 }

@@ -1,6 +1,7 @@
 #include "MpvRenderer.h"
 
 #include "MpvSession.h"
+#include "TsanAnnotations.h"
 
 #include <QOpenGLContext>
 #include <QOpenGLFramebufferObject>
@@ -29,6 +30,7 @@ QOpenGLFramebufferObject* MpvRenderer::createFramebufferObject(const QSize& size
     // Runs during sync, so the item may be touched. A resize keeps the render context.
     if (m_session->ensureRenderContext() && !m_target.readyEmitted) {
         m_target.readyEmitted = true;
+        VIDORA_TSAN_RELEASE(m_item);
         QMetaObject::invokeMethod(m_item, "ready", Qt::QueuedConnection);
     }
     auto* fbo = new QOpenGLFramebufferObject(size);

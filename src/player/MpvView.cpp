@@ -5,6 +5,7 @@
 #include "MpvClientPtr.h"
 #include "SqlHelper.h"
 #include "ThreadPool.h"
+#include "TsanAnnotations.h"
 
 #include <QCoreApplication>
 #include <QDateTime>
@@ -479,6 +480,7 @@ void MpvView::loadFile(const QString& file)
     const QUrl parsed(url);
     const QString target = parsed.isLocalFile() ? parsed.toLocalFile() : url;
     // Queued behind the "stop" above on the controller's thread, so the two keep their order.
+    VIDORA_TSAN_RELEASE(controller());
     QMetaObject::invokeMethod(
         controller(), [mpv = controller(), target, token = ++m_loadToken] { mpv->loadFile(target, token); },
         Qt::QueuedConnection);

@@ -3,6 +3,7 @@
 #include "HistoryTestSupport.h"
 #include "ThumbnailFit.h"
 #include "ThumbnailItem.h"
+#include "TsanAnnotations.h"
 #include "YUVPaintedItem.h"
 
 #include <QQuickWindow>
@@ -190,7 +191,10 @@ private:
     // bottom right) shows `want` there; with m_expected: the frame upright, not mirrored.
     bool shows(const QQuickItem* item, const QColor (&want)[4], QString* seen = nullptr) const
     {
+        // The grab blocks this thread while the render thread syncs, draws and reads back.
+        VIDORA_TSAN_RELEASE(m_window.get());
         const QImage shot = m_window->grabWindow();
+        VIDORA_TSAN_ACQUIRE(m_window.get());
         // For looking at what the items drew: VIDORA_TEST_SHOTS=folder.
         if (qEnvironmentVariableIsSet("VIDORA_TEST_SHOTS"))
             shot.save(qEnvironmentVariable("VIDORA_TEST_SHOTS") + "/" + QTest::currentDataTag() + ".png");
