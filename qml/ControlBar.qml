@@ -137,18 +137,23 @@ Item {
             hoverEnabled: true
             property real last: -1e9
             property real seconds: 0
-            onPositionChanged: {
+            function showPreview(x) {
                 var now = Date.now()
                 if (root.fileUrl.length === 0 || !Logic.previewDue(now, last, 300))
                     return
                 last = now
-                seconds = Logic.previewSeconds(mouse.x, width, root.player.duration)
-                preview.x = Logic.previewX(mouse.x, preview.width, width)
-                if (thumbnailLoader.item)
+                seconds = Logic.previewSeconds(x, width, root.player.duration)
+                preview.x = Logic.previewX(x, preview.width, width)
+                if (thumbnailLoader.item) {
+                    thumbnailLoader.fit()
                     thumbnailLoader.item.loadThumbnailFromUrl(root.fileUrl, seconds)
-                else
+                } else {
                     thumbnailLoader.active = true
+                }
             }
+            // Entering is the first move over the bar: the box shows at once, so must its frame.
+            onEntered: showPreview(mouseX)
+            onPositionChanged: showPreview(mouse.x)
         }
     }
 
@@ -176,7 +181,24 @@ Item {
                         loadThumbnailFromUrl(root.fileUrl, seekHover.seconds)
                 }
             }
-            onLoaded: item.loadThumbnailFromUrl(root.fileUrl, seekHover.seconds)
+            // The item takes the size of the file's picture before its first frame: a frame
+            // that changes the size is dropped and fetched again, which would double the wait.
+            property string fittedUrl: ""
+            function fit() {
+                if (fittedUrl === root.fileUrl)
+                    return
+                fittedUrl = root.fileUrl
+                var size = Logic.previewFit(root.player.getProperty("video-params/dw"),
+                                            root.player.getProperty("video-params/dh"), width, height)
+                if (size.width > 0) {
+                    item.width = size.width
+                    item.height = size.height
+                }
+            }
+            onLoaded: {
+                fit()
+                item.loadThumbnailFromUrl(root.fileUrl, seekHover.seconds)
+            }
         }
         Text {
             anchors.horizontalCenter: parent.horizontalCenter
