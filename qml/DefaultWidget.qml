@@ -7,6 +7,11 @@ Item {
     id: root
 
     property var handleOpenFile: null
+    // The picture behind the button, scaled to cover the widget.
+    property url artwork: "../Resources/control/default.png"
+    // Set when the program decodes the artwork in advance: the first picture is then taken at
+    // once, in time for the window's first frame; later sizes decode in the background.
+    property bool artworkDecoded: false
 
     // The dialog is made on first use: most starts never open it, and it is not small.
     property var dialog: null
@@ -39,17 +44,24 @@ Item {
     // its texture stay in memory for as long as the empty state exists. A resize settles
     // before the artwork is decoded again; meanwhile the last decode is stretched.
     property size decodeSize: Qt.size(0, 0)
+    // The artwork is asked for only once a size is set; sizes after the first always decode
+    // in the background.
+    property bool sized: false
+    property bool resized: false
 
     function settleSize() {
+        resized = sized
         decodeSize = Qt.size(Math.ceil(width), Math.ceil(height))
+        // Only now, with the size in place: a source set first would be decoded at full size.
+        sized = decodeSize.width > 0 && decodeSize.height > 0
     }
 
     Image {
         anchors.fill: parent
-        source: root.decodeSize.width > 0 && root.decodeSize.height > 0 ? "../Resources/control/default.png" : ""
+        source: root.sized ? root.artwork : ""
         sourceSize: root.decodeSize
         fillMode: Image.PreserveAspectCrop
-        asynchronous: true
+        asynchronous: !root.artworkDecoded || root.resized
     }
     Timer {
         id: settle

@@ -303,6 +303,9 @@ Window {
                 objectName: "defaultWidget"
                 anchors.fill: parent
                 visible: window.showDafault
+                // Decoded by the program while the scene loads, in time for the first frame.
+                artwork: "image://prefetched/artwork"
+                artworkDecoded: true
                 handleOpenFile: function (u) { window.openFile(u) }
             }
 

@@ -3,6 +3,7 @@
 #include "Logging.h"
 #include "QmlRegistration.h"
 #include "MprisService.h"
+#include "PrefetchImageProvider.h"
 #include "SignalWatcher.h"
 #include "SingleInstance.h"
 #include "SqlHelper.h"
@@ -73,6 +74,12 @@ int main(int argc, char* argv[])
     if (SingleInstance::handOffToRunningInstance(words))
         return 0;
 
+    // The empty state's artwork, decoded while the scene loads so the first frame shows it:
+    // the player area of a window of the default size (998 x 680, minus the 5-px shadow
+    // margins, the 40-px title bar and the 120-px control bar). Other sizes decode on request.
+    auto* prefetched = new PrefetchImageProvider;
+    prefetched->prefetch(QStringLiteral("artwork"), QStringLiteral(":/Resources/control/default.png"), QSize(988, 510));
+
     for (int i = 0; i < words.size(); ++i)
         spdlog::info("Argument {}: {}", i + 1, words.at(i).toStdString());
 
@@ -115,6 +122,7 @@ int main(int argc, char* argv[])
     auto engine = std::make_unique<QQmlApplicationEngine>();
     registerQmlTypes();
     addModuleImportPath(*engine);
+    engine->addImageProvider(QStringLiteral("prefetched"), prefetched);
 
     const QUrl mainUrl(QStringLiteral("qrc:/qml/main.qml"));
     QObject::connect(
