@@ -481,12 +481,6 @@ Window {
         }
     }
 
-    // The characters of a file's name and time, ready before any file is opened.
-    GlyphWarmUp {
-        pixelSizes: [Theme.fontBody, Theme.fontLarge]
-        idle: window.showDafault
-    }
-
     // ---- resizing -----------------------------------------------------------------------------
 
     Repeater {
