@@ -187,6 +187,8 @@ struct Vidora
         window.setFlags(Qt::FramelessWindowHint);
         window.setGeometry(0, 0, kWidth, kHeight);
         window.setColor(Qt::black);
+        if (qEnvironmentVariableIsSet("BENCH_NOCLEAR"))
+            window.setClearBeforeRendering(false);
         view = new MpvView(window.contentItem());
         view->setSize(QSizeF(kWidth, kHeight));
         QSignalSpy ready(view, &MpvView::initCompleted);
