@@ -9,8 +9,8 @@
 #include <mutex>
 
 // Pictures named to it in advance and decoded on the pool at once, so an Image made much
-// later finds its picture ready. The empty state's artwork is a large PNG: decoded only when
-// the scene is built, it reached the screen two or three frames after the window.
+// later finds its picture ready. The empty state's artwork is a large PNG: decoded only once
+// the scene is built, it would reach the screen two or three frames after the window.
 //
 // Images ask for "image://<provider>/<id>" with a sourceSize and fillMode PreserveAspectCrop;
 // the picture is scaled to cover that size, as Qt's image reader scales a file for such an
