@@ -188,8 +188,9 @@ Item {
                 if (fittedUrl === root.fileUrl)
                     return
                 fittedUrl = root.fileUrl
-                var size = Logic.previewFit(root.player.getProperty("video-params/dw"),
-                                            root.player.getProperty("video-params/dh"), width, height)
+                // Unknown sizes (no video yet) come as 0 and leave the item as it is.
+                var size = item.fittedSize(Number(root.player.getProperty("video-params/dw")) || 0,
+                                           Number(root.player.getProperty("video-params/dh")) || 0, width, height)
                 if (size.width > 0) {
                     item.width = size.width
                     item.height = size.height

@@ -88,16 +88,6 @@ function previewX(mouseX, boxWidth, barWidth) {
     return Math.max(0, Math.min(barWidth - boxWidth, mouseX - boxWidth / 2))
 }
 
-// The size the preview item gives a frame of that size in its box: the thumbnail item's own
-// fitting rule, an exact quotient rounded up by one pixel. {0, 0} when either size is unknown.
-function previewFit(frameWidth, frameHeight, maxWidth, maxHeight) {
-    if (!(frameWidth > 0 && frameHeight > 0 && maxWidth > 0 && maxHeight > 0))
-        return { width: 0, height: 0 }
-    if (frameWidth / frameHeight > maxWidth / maxHeight)
-        return { width: maxWidth, height: Math.min(maxHeight, Math.round(maxWidth * frameHeight / frameWidth + 0.5)) }
-    return { width: Math.min(maxWidth, Math.round(maxHeight * frameWidth / frameHeight + 0.5)), height: maxHeight }
-}
-
 // A new preview only when the last one is `interval` ms old; moves in between are dropped.
 function previewDue(now, last, interval) {
     return now - last >= interval

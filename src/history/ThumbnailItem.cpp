@@ -1,6 +1,7 @@
 #include "ThumbnailItem.h"
 
 #include "FileHelper.h"
+#include "ThumbnailFit.h"
 #include "ThumbnailLink.h"
 #include "UserFboRenderer.h"
 #include "YuvFrame.h"
@@ -47,6 +48,11 @@ void ThumbnailItem::loadThumbnail(const QString& filePath, double seconds)
 void ThumbnailItem::setMaxSize(int width, int height)
 {
     m_link->setBox(width, height);
+}
+
+QSize ThumbnailItem::fittedSize(int frameWidth, int frameHeight, int maxWidth, int maxHeight) const
+{
+    return fitThumbnail(frameWidth, frameHeight, maxWidth, maxHeight);
 }
 
 void ThumbnailItem::geometryChanged(const QRectF& newGeometry, const QRectF& oldGeometry)

@@ -30,6 +30,9 @@ public:
     // Returns at once; a newer call does not cancel an older one, the last to finish wins.
     Q_INVOKABLE void loadThumbnail(const QString& filePath, double seconds);
     Q_INVOKABLE void setMaxSize(int width, int height);
+    // The size a load gives a frame of that size in a box of that size. Taking it before the
+    // first load saves a frame dropped for the resize and fetched again.
+    Q_INVOKABLE QSize fittedSize(int frameWidth, int frameHeight, int maxWidth, int maxHeight) const;
 
 protected:
     void geometryChanged(const QRectF& newGeometry, const QRectF& oldGeometry) override;

@@ -91,12 +91,6 @@ TestCase {
             compare(Logic.previewX(row.x, 210, row.bar), row.box)
     }
 
-    function test_previewFit() {
-        compare(Logic.previewFit(1920, 1080, 210, 130), { width: 210, height: 119 })
-        compare(Logic.previewFit(1000, 500, 200, 100), { width: 200, height: 100 })
-        compare(Logic.previewFit(1080, 1920, 210, 130), { width: 74, height: 130 })
-        compare(Logic.previewFit(undefined, 1080, 210, 130), { width: 0, height: 0 })
-    }
     function test_previewThrottle() {
         verify(Logic.previewDue(1000, 0, 300))
         verify(!Logic.previewDue(1299, 1000, 300))
