@@ -30,6 +30,15 @@ Item {
             handler(arg)
     }
 
+    // Makes the preview's item, framebuffer and first picture while its box is still hidden.
+    // The first picture compiles the preview's shader, a wait that would otherwise fall on the
+    // first hover; this runs once the pointer comes over the window or the bar, when a hover
+    // is likely next, and only once the file plays.
+    function preparePreview() {
+        if (fileUrl.length > 0 && player.position > 0)
+            thumbnailLoader.active = true
+    }
+
     function withFile(action) {
         if (playerVisible)
             action()
@@ -105,6 +114,13 @@ Item {
     }
     property alias toolModel: toolModel
 
+    HoverHandler {
+        onHoveredChanged: {
+            if (hovered)
+                root.preparePreview()
+        }
+    }
+
     // ---- seek bar and its preview -------------------------------------------------------
 
     CSlider {
@@ -167,7 +183,8 @@ Item {
         color: Theme.panel
         visible: seekHover.containsMouse && root.fileUrl.length > 0
 
-        // The decoder and its textures are made on the first hover and then kept.
+        // The decoder and its textures are made ahead (preparePreview) or on the first hover,
+        // and then kept.
         Loader {
             id: thumbnailLoader
             anchors.centerIn: parent
@@ -175,6 +192,8 @@ Item {
             height: 130
             active: false
             sourceComponent: ThumbnailItem {
+                x: (thumbnailLoader.width - width) / 2
+                y: (thumbnailLoader.height - height) / 2
                 // A load that changes the item's size drops its frame: ask again at the new size.
                 onSignalUpdate: {
                     if ((width > 0 || height > 0) && root.fileUrl.length > 0)
@@ -187,11 +206,12 @@ Item {
             function fit() {
                 if (fittedUrl === root.fileUrl)
                     return
-                fittedUrl = root.fileUrl
-                // Unknown sizes (no video yet) come as 0 and leave the item as it is.
+                // Unknown sizes (no video yet) come as 0, leave the item as it is and are
+                // asked again on the next load.
                 var size = item.fittedSize(Number(root.player.getProperty("video-params/dw")) || 0,
                                            Number(root.player.getProperty("video-params/dh")) || 0, width, height)
                 if (size.width > 0) {
+                    fittedUrl = root.fileUrl
                     item.width = size.width
                     item.height = size.height
                 }
@@ -201,15 +221,24 @@ Item {
                 item.loadThumbnailFromUrl(root.fileUrl, seekHover.seconds)
             }
         }
-        Text {
+        // The time on a dimmed pill reads on any picture. An outlined text would need a
+        // shader of its own, built on the first hover and making it several times slower.
+        Rectangle {
             anchors.horizontalCenter: parent.horizontalCenter
             anchors.bottom: parent.bottom
             anchors.bottomMargin: 4
-            text: CommonTool.formatTime(seekHover.seconds)
-            color: Theme.textPrimary
-            font.pixelSize: Theme.fontSmall
-            style: Text.Outline
-            styleColor: Theme.windowBackground
+            width: previewTime.implicitWidth + 12
+            height: previewTime.implicitHeight + 2
+            radius: height / 2
+            color: Theme.dim
+
+            Text {
+                id: previewTime
+                anchors.centerIn: parent
+                text: CommonTool.formatTime(seekHover.seconds)
+                color: Theme.textPrimary
+                font.pixelSize: Theme.fontSmall
+            }
         }
     }
 

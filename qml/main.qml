@@ -151,6 +151,7 @@ Window {
     function touchPlayer() {
         moveFlag = true
         moveTimer.restart()
+        controlBar.preparePreview()
     }
 
     onClosing: player.stop()
