@@ -183,7 +183,9 @@ int hover(const QString& program, const QString& file)
 
     const int seekY = 560;
     const QRect picture(9, 421, 200, 96);           // the box without its time label
-    const int positions[2] = {25, 100};
+    // 5.5 s, then 1.4 s, and so on: the first move must ask for another frame than the one
+    // the window prepared while the pointer crossed the control bar (0 s, the keyframe of 1.4 s).
+    const int positions[2] = {100, 25};
     // What starting xdotool itself costs, which every figure below includes.
     std::vector<double> spawn;
     for (int i = 0; i < 5; ++i) {
