@@ -17,10 +17,11 @@ BUILD_DIR=$asan "$root/scripts/build.sh" -DVIDORA_SANITIZE=ON -DVIDORA_FUZZ=ON -
 (cd "$asan" && "${xvfb[@]}" ctest --output-on-failure -j"${TEST_JOBS:-2}" "$@")
 BUILD_DIR=$asan "$root/scripts/fuzz.sh" "${FUZZ_SECONDS:-60}"
 
-# The units with threads of their own: the pool, the jobs and their cancel flag, the image
-# provider, the thumbnail items, the libmpv controller and view. Qt's own hand-overs between
-# them are marked for the sanitizer in the test programs (src/app/tsan).
-threaded=(tst_threadpool tst_commontool tst_cropjob tst_mergejob tst_imageprovider
+# The units with threads of their own: the pool, the jobs and their cancel flag, the frame
+# grabber's shared picture memory, the image provider, the thumbnail items, the libmpv
+# controller and view. Qt's own hand-overs between them are marked for the sanitizer in the
+# test programs (src/app/tsan).
+threaded=(tst_threadpool tst_commontool tst_cropjob tst_mergejob tst_framegrabber tst_imageprovider
           tst_thumbnailitems tst_mpv_controller tst_mpv_view)
 tsan=$root/build-tsan
 cmake -S "$root" -B "$tsan" -DCMAKE_BUILD_TYPE=Release -DVIDORA_TSAN=ON -DVIDORA_BUILD_BENCH=OFF >/dev/null

@@ -51,7 +51,7 @@ QString CommonTool::formatTime(double ftime)
 void CommonTool::getVideoThumbnail(const QString& filePath, double seconds, uint8_t** buffer, int* width,
                                    int* height)
 {
-    FrameGrabber::grab(filePath, seconds, buffer, width, height);
+    FrameGrabber::grab(filePath, seconds, buffer, width, height, &m_grabPictures);
 }
 
 void CommonTool::convertVideoFormatAsync(const QString& inputPath, const QString& outputPath,

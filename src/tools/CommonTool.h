@@ -1,6 +1,7 @@
 #pragma once
 
 #include "JobReporter.h"
+#include "PictureRecycler.h"
 #include "VideoInfo.h"
 
 #include <QObject>
@@ -14,7 +15,8 @@
 // The QML service through which the tool windows query media files and run the four video
 // tools. Lives on the GUI thread; the *Async invokables hand the job to the ThreadPool and
 // return at once. Jobs emit the four signals from their pool thread (queued to receivers)
-// and read the one shared cancel flag, which is the only state shared with them.
+// and read the one shared cancel flag, which is the only state shared with them; frame grabs
+// share the decoders' picture memory, which keeps its own lock.
 class CommonTool : public QObject, public JobReporter
 {
     Q_OBJECT
@@ -67,4 +69,5 @@ public:
 
 private:
     std::atomic<bool> m_cancel{false};
+    PictureRecycler m_grabPictures;
 };

@@ -8,6 +8,7 @@ extern "C" {
 #include <libavcodec/avcodec.h>
 #include <libavformat/avformat.h>
 #include <libavutil/audio_fifo.h>
+#include <libavutil/buffer.h>
 #include <libavutil/dict.h>
 #include <libavutil/error.h>
 #include <libavutil/frame.h>
@@ -63,6 +64,11 @@ struct AudioFifoDeleter
 {
     void operator()(AVAudioFifo* fifo) const { av_audio_fifo_free(fifo); }
 };
+// Frees the pool once every buffer taken from it has come back.
+struct BufferPoolDeleter
+{
+    void operator()(AVBufferPool* pool) const { av_buffer_pool_uninit(&pool); }
+};
 struct AvFreeDeleter
 {
     void operator()(void* p) const { av_free(p); }
@@ -75,6 +81,7 @@ using FramePtr = std::unique_ptr<AVFrame, FrameDeleter>;
 using PacketPtr = std::unique_ptr<AVPacket, PacketDeleter>;
 using SwsPtr = std::unique_ptr<SwsContext, SwsDeleter>;
 using SwrPtr = std::unique_ptr<SwrContext, SwrDeleter>;
+using BufferPoolPtr = std::unique_ptr<AVBufferPool, BufferPoolDeleter>;
 using AudioFifoPtr = std::unique_ptr<AVAudioFifo, AudioFifoDeleter>;
 // Buffers from av_malloc (grabbed frames, attached pictures before hand-over).
 using AvBufferPtr = std::unique_ptr<uint8_t, AvFreeDeleter>;

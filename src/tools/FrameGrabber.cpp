@@ -3,6 +3,7 @@
 #include "DisplayOrientation.h"
 #include "FfmpegPtr.h"
 #include "MediaOpen.h"
+#include "PictureRecycler.h"
 
 extern "C" {
 #include <libavutil/imgutils.h>
@@ -71,7 +72,7 @@ Grabbed packFrame(const AVFrame* frame, AVPixelFormat sourceFormat, int width, i
     return result;
 }
 
-Grabbed grabFrame(const QString& filePath, double seconds)
+Grabbed grabFrame(const QString& filePath, double seconds, PictureRecycler* pictures)
 {
     const ff::InputFormatPtr input = ff::openInput(filePath);
     if (!input)
@@ -86,7 +87,10 @@ Grabbed grabFrame(const QString& filePath, double seconds)
     if (!stream)
         return {};
 
-    const ff::CodecContextPtr decoder = ff::openDecoder(stream);
+    const ff::CodecContextPtr decoder = ff::openDecoder(stream, [pictures](AVCodecContext* context) {
+        if (pictures)
+            pictures->attach(context);
+    });
     if (!decoder)
         return {};
 
@@ -127,9 +131,10 @@ Grabbed grabFrame(const QString& filePath, double seconds)
 
 } // namespace
 
-void FrameGrabber::grab(const QString& filePath, double seconds, uint8_t** buffer, int* width, int* height)
+void FrameGrabber::grab(const QString& filePath, double seconds, uint8_t** buffer, int* width, int* height,
+                        PictureRecycler* pictures)
 {
-    Grabbed result = grabFrame(filePath, seconds);
+    Grabbed result = grabFrame(filePath, seconds, pictures);
     const bool ok = result.buffer != nullptr;
     if (width)
         *width = ok ? result.width : 0;

@@ -1,9 +1,12 @@
 #include "FrameGrabber.h"
 #include "ToolTestSupport.h"
 
+#include <atomic>
 #include <cmath>
 #include <functional>
 #include <numeric>
+#include <thread>
+#include <vector>
 
 // One decoded picture as packed I420 at the stream's coded size, compared with what the
 // ffmpeg tool decodes for the same instant.
@@ -13,6 +16,13 @@ class TestFrameGrabber : public QObject
 
 private:
     QString m_dir;
+    // One service for every grab, as in the program: its decoders' picture memory is reused
+    // across files of other sizes and formats, and across the threads of the overlap case.
+    static CommonTool& tool()
+    {
+        static CommonTool shared;
+        return shared;
+    }
     QString path(const QString& name) const { return m_dir + "/" + name; }
 
     struct Grab
@@ -21,11 +31,11 @@ private:
         int width = -1;
         int height = -1;
     };
-    static Grab grab(const QString& file, double seconds)
+    static Grab grab(const QString& file, double seconds, CommonTool& with = tool())
     {
         uint8_t* raw = reinterpret_cast<uint8_t*>(1); // must be overwritten either way
         Grab g;
-        CommonTool().getVideoThumbnail(file, seconds, &raw, &g.width, &g.height);
+        with.getVideoThumbnail(file, seconds, &raw, &g.width, &g.height);
         g.buffer.reset(raw);
         return g;
     }
@@ -119,6 +129,38 @@ private slots:
             QVERIFY2(g.buffer ? g.width == 320 && g.height == 240 : g.width == 0 && g.height == 0,
                      qPrintable(QString::number(seconds)));
         }
+    }
+
+    // Grabs running at once on files of two sizes and formats: each picture stays exactly the
+    // one a lone grab gives, while the shared picture memory changes size under them. A service
+    // of its own, so its picture memory is first made for the smaller file.
+    void overlappingGrabsKeepTheirPictures()
+    {
+        CommonTool service;
+        const QString odd = path("odd.mp4"); // made by oddSizesGiveUnpaddedPlanes
+        const QString files[2] = {path("4s.mp4"), odd};
+        QByteArray expected[2];
+        for (int f = 0; f < 2; ++f) {
+            Grab g = grab(files[f], 1.0, service);
+            QVERIFY(g.buffer);
+            expected[f] = QByteArray(reinterpret_cast<const char*>(g.buffer.get()), g.width * g.height +
+                                     2 * ((g.width + 1) / 2) * ((g.height + 1) / 2));
+        }
+        std::atomic<int> wrong{0};
+        std::vector<std::thread> threads;
+        for (int t = 0; t < 3; ++t) {
+            threads.emplace_back([&, t] {
+                for (int i = 0; i < 6; ++i) {
+                    const int f = (t + i) % 2;
+                    Grab g = grab(files[f], 1.0, service);
+                    if (!g.buffer || memcmp(g.buffer.get(), expected[f].constData(), expected[f].size()) != 0)
+                        ++wrong;
+                }
+            });
+        }
+        for (std::thread& thread : threads)
+            thread.join();
+        QCOMPARE(wrong.load(), 0);
     }
 
     // Null and 0 x 0 without a picture; a cover picture is a thumbnail too.
