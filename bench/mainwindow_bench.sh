@@ -6,8 +6,9 @@
 #    and of `mpv --idle --force-window`, alternating which goes first in each round: first with
 #    empty caches (a first start ever), then with each program's caches kept between starts.
 # 2. Hover preview on a 1080p H.264 file: mouse move over the seek bar to the new frame on
-#    screen, through the real window and xdotool; every move's figure is printed, the first
-#    (entering the bar: the box and, later, its first frame) to its frame.
+#    screen, through the real window (the bench moves the pointer itself, timed from the move);
+#    every move's figure is printed, the first (entering the bar: the box and, later, its
+#    first frame) to its frame.
 # 3. The play list fed 1,000 rows of real files: card on screen to its thumbnail drawn, and the
 #    event loop's lateness while the list scrolls through all of them.
 # Each figure is printed with the load average at the time.
