@@ -26,6 +26,14 @@ void PictureRecycler::attach(AVCodecContext* decoder)
 {
     decoder->opaque = this;
     decoder->get_buffer2 = &PictureRecycler::getBuffer;
+#if FF_API_THREAD_SAFE_CALLBACKS
+    // Libraries before 60 warn at every open unless told the callback is thread-safe (it is:
+    // the pool is taken under the lock); later ones assume it and dropped the field.
+#pragma GCC diagnostic push
+#pragma GCC diagnostic ignored "-Wdeprecated-declarations"
+    decoder->thread_safe_callbacks = 1;
+#pragma GCC diagnostic pop
+#endif
 }
 
 int PictureRecycler::getBuffer(AVCodecContext* decoder, AVFrame* frame, int flags)
