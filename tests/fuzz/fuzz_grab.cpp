@@ -1,5 +1,6 @@
 #include "FrameGrabber.h"
 #include "FuzzInput.h"
+#include "PictureRecycler.h"
 
 extern "C" {
 #include <libavutil/mem.h>
@@ -7,17 +8,20 @@ extern "C" {
 #include <cstdlib>
 
 // Frame grabbing: seek, decode until the first picture, pack it as I420. The size of the
-// input picks the requested time, so the mutator varies both together.
+// input picks the requested time, so the mutator varies both together. Every input decodes
+// into the same recycled pictures, as the program's grabs do, so pictures of one input's size
+// and format are handed to the next.
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
 {
     static const QString path = FuzzInput::scratchPath(".media");
+    static PictureRecycler pictures;
     if (!FuzzInput::store(path, data, size))
         return 0;
     const double seconds = static_cast<double>(size % 13) * 0.25;
     uint8_t* buffer = nullptr;
     int width = -1;
     int height = -1;
-    FrameGrabber::grab(path, seconds, &buffer, &width, &height);
+    FrameGrabber::grab(path, seconds, &buffer, &width, &height, &pictures);
     if (!buffer) {
         if (width != 0 || height != 0)
             abort();
