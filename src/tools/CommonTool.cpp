@@ -6,6 +6,7 @@
 #include "FrameGrabber.h"
 #include "MediaProbe.h"
 #include "MergeJob.h"
+#include "PictureRecycler.h"
 #include "ProcessWide.h"
 #include "ThreadPool.h"
 
@@ -14,7 +15,9 @@
 #include <algorithm>
 #include <cmath>
 
-CommonTool::CommonTool(QObject* parent) : QObject(parent) {}
+CommonTool::CommonTool(QObject* parent) : QObject(parent), m_grabPictures(std::make_unique<PictureRecycler>()) {}
+
+CommonTool::~CommonTool() = default;
 
 CommonTool* CommonTool::instance()
 {
@@ -51,7 +54,7 @@ QString CommonTool::formatTime(double ftime)
 void CommonTool::getVideoThumbnail(const QString& filePath, double seconds, uint8_t** buffer, int* width,
                                    int* height)
 {
-    FrameGrabber::grab(filePath, seconds, buffer, width, height, &m_grabPictures);
+    FrameGrabber::grab(filePath, seconds, buffer, width, height, m_grabPictures.get());
 }
 
 void CommonTool::convertVideoFormatAsync(const QString& inputPath, const QString& outputPath,

@@ -1,7 +1,6 @@
 #pragma once
 
 #include "JobReporter.h"
-#include "PictureRecycler.h"
 #include "VideoInfo.h"
 
 #include <QObject>
@@ -11,6 +10,9 @@
 #include <QVariantMap>
 #include <atomic>
 #include <cstdint>
+#include <memory>
+
+class PictureRecycler;
 
 // The QML service through which the tool windows query media files and run the four video
 // tools. Lives on the GUI thread; the *Async invokables hand the job to the ThreadPool and
@@ -22,6 +24,7 @@ class CommonTool : public QObject, public JobReporter
     Q_OBJECT
 public:
     explicit CommonTool(QObject* parent = nullptr);
+    ~CommonTool() override;
 
     static CommonTool* instance();
 
@@ -69,5 +72,6 @@ public:
 
 private:
     std::atomic<bool> m_cancel{false};
-    PictureRecycler m_grabPictures;
+    // Held by pointer so the media library's headers stay out of every user of this service.
+    std::unique_ptr<PictureRecycler> m_grabPictures;
 };
