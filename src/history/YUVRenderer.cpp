@@ -87,6 +87,13 @@ void YUVRenderer::renderFrame()
         gl->glClear(GL_COLOR_BUFFER_BIT);
         return;
     }
+    // The scene graph hands over whatever state its last batch left (blending on after a
+    // translucent one). Software OpenGL compiles a shader variant per blend and clip state, so
+    // an inherited state would make the preview's first frame after a change wait for a
+    // compile; the picture is opaque and fills the framebuffer, so none of them applies.
+    glDisable(GL_BLEND);
+    glDisable(GL_SCISSOR_TEST);
+    glDisable(GL_STENCIL_TEST);
     glDepthMask(GL_FALSE);
     glDisable(GL_DEPTH_TEST);
     glClearColor(0.0f, 0.0f, 0.0f, 1.0f);
