@@ -13,6 +13,7 @@
 #include <QCursor>
 #include <QDir>
 #include <QElapsedTimer>
+#include <QEventLoop>
 #include <QFile>
 #include <QGuiApplication>
 #include <QImage>
@@ -59,12 +60,13 @@ QImage grab(const QRect& area = QRect())
     return screen->grabWindow(0, r.x(), r.y(), r.width(), r.height()).toImage();
 }
 
+// Sleeps in the event loop: polling it would keep one of the two cores busy while the
+// program under test starts and decodes.
 void pump(int ms)
 {
-    QElapsedTimer t;
-    t.start();
-    while (t.elapsed() < ms)
-        QCoreApplication::processEvents(QEventLoop::AllEvents, 5);
+    QEventLoop loop;
+    QTimer::singleShot(ms, &loop, &QEventLoop::quit);
+    loop.exec();
 }
 
 long residentKb(qint64 pid)

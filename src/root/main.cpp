@@ -63,10 +63,13 @@ int main(int argc, char* argv[])
     QCoreApplication::setAttribute(Qt::AA_EnableHighDpiScaling);
     prepareVideoWindows();
     // Small images share one texture, by default as large as the window (about 4 MB with a
-    // software renderer); the window's icons need a fraction of that.
+    // software renderer); the window's icons need a fraction of that. Its sides are not powers
+    // of two, like those of every other texture the window draws (the artwork, the player's
+    // framebuffer): software OpenGL builds the image shader once per such property, and a
+    // 512-px atlas cost a second build (25-30 ms) in the first frame of a first start.
     if (!qEnvironmentVariableIsSet("QSG_ATLAS_WIDTH") && !qEnvironmentVariableIsSet("QSG_ATLAS_HEIGHT")) {
-        qputenv("QSG_ATLAS_WIDTH", "512");
-        qputenv("QSG_ATLAS_HEIGHT", "512");
+        qputenv("QSG_ATLAS_WIDTH", "504");
+        qputenv("QSG_ATLAS_HEIGHT", "504");
     }
     QGuiApplication app(argc, argv);
 
