@@ -2,7 +2,26 @@
 
 namespace ff {
 
-InputFormatPtr openInput(const QString& path, AVDictionary** options, OpenFailure* failure)
+namespace {
+
+// The header alone describes the first video stream well enough to decode it: codec, picture
+// size and, where the codec keeps its set-up outside the stream, that set-up.
+bool headerDescribesVideo(const AVFormatContext* input)
+{
+    for (unsigned i = 0; i < input->nb_streams; ++i) {
+        const AVCodecParameters* codec = input->streams[i]->codecpar;
+        if (codec->codec_type != AVMEDIA_TYPE_VIDEO)
+            continue;
+        const bool needsSetup = codec->codec_id == AV_CODEC_ID_H264 || codec->codec_id == AV_CODEC_ID_HEVC;
+        return codec->codec_id != AV_CODEC_ID_NONE && codec->width > 0 && codec->height > 0 &&
+               (!needsSetup || codec->extradata_size > 0);
+    }
+    return false;
+}
+
+} // namespace
+
+InputFormatPtr openInput(const QString& path, AVDictionary** options, OpenFailure* failure, StreamInfo info)
 {
     OpenFailure ignored;
     OpenFailure& why = failure ? *failure : ignored;
@@ -12,6 +31,8 @@ InputFormatPtr openInput(const QString& path, AVDictionary** options, OpenFailur
         return nullptr;
     }
     InputFormatPtr input(raw);
+    if (info == StreamInfo::UnlessHeaderDescribesVideo && headerDescribesVideo(input.get()))
+        return input;
     if (const int rc = avformat_find_stream_info(input.get(), nullptr); rc < 0) {
         why = {false, rc};
         return nullptr;

@@ -16,8 +16,18 @@ struct OpenFailure
     int code = 0;         // the library's error code of the call that failed, when it gave one
 };
 
+enum class StreamInfo
+{
+    Always,
+    // Taking one picture needs only what a container's header declares (MP4, Matroska); the
+    // analysis would decode pictures ahead for nothing. Streams the header leaves undescribed
+    // (MPEG-TS, cover art) are still analysed.
+    UnlessHeaderDescribesVideo,
+};
+
 // Opens a media file (the path goes to the library as UTF-8) and reads its stream information.
-InputFormatPtr openInput(const QString& path, AVDictionary** options = nullptr, OpenFailure* failure = nullptr);
+InputFormatPtr openInput(const QString& path, AVDictionary** options = nullptr, OpenFailure* failure = nullptr,
+                         StreamInfo info = StreamInfo::Always);
 
 // A decoder for `stream` holding its parameters, opened. `configure` runs just before the
 // open (packet time base, threads).
