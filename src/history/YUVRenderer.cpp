@@ -88,9 +88,9 @@ void YUVRenderer::renderFrame()
         return;
     }
     // The scene graph hands over whatever state its last batch left (blending on after a
-    // translucent one). Software OpenGL compiles a shader variant per blend and clip state, so
-    // an inherited state would make the preview's first frame after a change wait for a
-    // compile; the picture is opaque and fills the framebuffer, so none of them applies.
+    // translucent one). Software OpenGL compiles a shader variant per blend state, so an
+    // inherited state would make the preview's first frame after a change wait for a compile.
+    // The picture is opaque and fills the framebuffer: no blending, clipping or stencil applies.
     glDisable(GL_BLEND);
     glDisable(GL_SCISSOR_TEST);
     glDisable(GL_STENCIL_TEST);

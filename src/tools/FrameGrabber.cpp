@@ -74,7 +74,8 @@ Grabbed packFrame(const AVFrame* frame, AVPixelFormat sourceFormat, int width, i
 
 Grabbed grabFrame(const QString& filePath, double seconds, PictureRecycler* pictures)
 {
-    const ff::InputFormatPtr input = ff::openInput(filePath, nullptr, nullptr, ff::StreamInfo::UnlessHeaderDescribesVideo);
+    const ff::InputFormatPtr input =
+        ff::openInput(filePath, nullptr, nullptr, ff::StreamInfo::UnlessHeaderDescribesVideo);
     if (!input)
         return {};
 

@@ -25,9 +25,10 @@ enum class StreamInfo
     UnlessHeaderDescribesVideo,
 };
 
-// Opens a media file (the path goes to the library as UTF-8) and reads its stream information.
-InputFormatPtr openInput(const QString& path, AVDictionary** options = nullptr, OpenFailure* failure = nullptr,
-                         StreamInfo info = StreamInfo::Always);
+// Opens a media file (the path goes to the library as UTF-8) and reads its stream information,
+// unless `info` lets a describing header stand in for it.
+InputFormatPtr openInput(const QString& path, AVDictionary** options = nullptr,
+                         OpenFailure* failure = nullptr, StreamInfo info = StreamInfo::Always);
 
 // A decoder for `stream` holding its parameters, opened. `configure` runs just before the
 // open (packet time base, threads).
